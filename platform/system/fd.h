@@ -18,10 +18,7 @@ public:
     // open(2) with O_CLOEXEC, retried after a signal.
     static Result<Fd> open(const char *path, int flags, mode_t mode = 0);
 
-    Fd(Fd &&other) noexcept
-        : m_fd(other.give())
-    {
-    }
+    Fd(Fd &&other) noexcept : m_fd(other.give()) { }
     Fd &operator=(Fd &&other) noexcept
     {
         reset(other.give());
@@ -38,10 +35,7 @@ public:
     Result<> close();
 
 private:
-    explicit Fd(int fd)
-        : m_fd(fd)
-    {
-    }
+    explicit Fd(int fd) : m_fd(fd) { }
 
     int m_fd = -1;
 };

@@ -13,7 +13,6 @@ struct SysError {
     int number = 0;
 
     [[nodiscard]] QString text() const; // "rename: Permission denied"
-    friend bool operator==(const SysError &, const SysError &) = default;
 };
 
 template <typename T = void> using Result = tl::expected<T, SysError>;

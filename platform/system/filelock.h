@@ -1,0 +1,33 @@
+// A whole-file lock between processes.
+#pragma once
+
+#include "platform/system/result.h"
+
+#include <utility>
+
+namespace platform {
+
+// flock(2) on a descriptor that stays the caller's: it belongs to the open file, so it also excludes a second
+// descriptor of the same process, and the kernel drops it when the last copy of the descriptor closes.
+class FileLock {
+public:
+    enum class Wait { No, Yes };
+
+    // Without waiting, EWOULDBLOCK says that somebody else holds it.
+    static Result<FileLock> exclusive(int fd, Wait wait);
+
+    FileLock(FileLock &&other) noexcept : m_fd(std::exchange(other.m_fd, -1)) { }
+    FileLock &operator=(FileLock &&other) noexcept
+    {
+        std::swap(m_fd, other.m_fd);
+        return *this;
+    }
+    ~FileLock();
+
+private:
+    explicit FileLock(int fd) : m_fd(fd) { }
+
+    int m_fd;
+};
+
+}

@@ -1,0 +1,193 @@
+// Descriptors, locks, mappings and System V objects: who releases what, and what a refusal looks like.
+#include "platform/system/fd.h"
+#include "platform/system/filelock.h"
+#include "platform/system/mapping.h"
+#include "platform/system/sysv.h"
+
+#include <QFile>
+#include <QTest>
+#include <array>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace platform;
+
+namespace {
+
+std::span<const std::byte> bytesOf(const char *text) { return std::as_bytes(std::span(text, strlen(text))); }
+
+bool isOpen(int fd) { return ::fcntl(fd, F_GETFD) >= 0; }
+
+int inChild(auto action)
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(action());
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}
+
+class TstSystemObjects : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aDescriptorHasOneOwner();
+    void aFailedOpenNamesTheCall();
+    void aFullDiskIsAFailedWrite();
+    void aLockExcludesOthersUntilItIsReleased();
+    void mappingsShowTheFile();
+    void segmentsAreSharedAndOutliveTheAttachment();
+    void aReadOnlyAttachmentCannotBeWritten();
+    void semaphoresRefuseInsteadOfWaiting();
+    void messagesKeepTheirTypeOrderAndBytes();
+    void aFullQueueRefuses();
+};
+
+void TstSystemObjects::aDescriptorHasOneOwner()
+{
+    auto opened = Fd::open("/dev/null", O_RDWR);
+    QVERIFY(opened.has_value());
+    const int number = opened->get();
+    {
+        Fd owner = std::move(*opened);
+        QVERIFY(!*opened);
+        QVERIFY(::fcntl(number, F_GETFD) & FD_CLOEXEC);
+        Fd other = Fd::own(::dup(number));
+        const int replaced = other.get();
+        other = std::move(owner);
+        QVERIFY(!isOpen(replaced));
+        QVERIFY(isOpen(number));
+    }
+    QVERIFY(!isOpen(number));
+}
+
+void TstSystemObjects::aFailedOpenNamesTheCall()
+{
+    const auto opened = Fd::open("/tmp/absent", O_RDONLY);
+    QVERIFY(!opened);
+    QCOMPARE(opened.error().text(), QStringLiteral("open: No such file or directory"));
+}
+
+void TstSystemObjects::aFullDiskIsAFailedWrite()
+{
+    auto full = Fd::open("/dev/full", O_WRONLY);
+    QVERIFY(full.has_value());
+    const auto written = writeAll(full->get(), bytesOf("lost"));
+    QVERIFY(!written);
+    QCOMPARE(written.error().number, ENOSPC);
+}
+
+void TstSystemObjects::aLockExcludesOthersUntilItIsReleased()
+{
+    const auto first = Fd::open("/tmp/lock", O_RDWR | O_CREAT, 0600);
+    const auto second = Fd::open("/tmp/lock", O_RDONLY);
+    QVERIFY(first && second);
+    {
+        const auto lock = FileLock::exclusive(first->get(), FileLock::Wait::No);
+        QVERIFY(lock.has_value());
+        const auto refused = FileLock::exclusive(second->get(), FileLock::Wait::No);
+        QVERIFY(!refused);
+        QCOMPARE(refused.error().number, EWOULDBLOCK);
+    }
+    QVERIFY(FileLock::exclusive(second->get(), FileLock::Wait::No).has_value());
+}
+
+void TstSystemObjects::mappingsShowTheFile()
+{
+    const auto file = Fd::open("/tmp/mapped", O_RDWR | O_CREAT, 0600);
+    QVERIFY(file.has_value());
+    QVERIFY(Mapping::readOnly(file->get())->bytes().empty());
+    QVERIFY(writeAll(file->get(), bytesOf("abcd")).has_value());
+    const auto shared = Mapping::shared(file->get(), 4);
+    const auto view = Mapping::readOnly(file->get());
+    QVERIFY(shared && view);
+    shared->writableBytes()[1] = std::byte('X');
+    QCOMPARE(QByteArray(reinterpret_cast<const char *>(view->bytes().data()), 4), "aXcd");
+    const auto folder = Fd::open("/tmp", O_RDONLY);
+    QVERIFY(!Mapping::readOnly(folder->get()));
+}
+
+void TstSystemObjects::segmentsAreSharedAndOutliveTheAttachment()
+{
+    const auto key = ipcKey("/tmp", 's');
+    QVERIFY(key.has_value());
+    QVERIFY(!ipcKey("/tmp/absent", 's'));
+    const auto id = ShmAttachment::segment({*key, IPC_CREAT | IPC_EXCL | 0600}, 100);
+    QVERIFY(id.has_value());
+    QCOMPARE(ShmAttachment::segment({*key, IPC_CREAT | IPC_EXCL | 0600}, 100).error().number, EEXIST);
+    const int wrote = inChild([&] {
+        const auto child = ShmAttachment::attach(*id, ShmAttachment::Access::ReadWrite);
+        child->bytes()[99] = std::byte(7);
+        return child->bytes().size() == 100 ? 0 : 1;
+    });
+    QCOMPARE(wrote, 0);
+    {
+        const auto seen = ShmAttachment::attach(*id, ShmAttachment::Access::ReadOnly);
+        QCOMPARE(seen->bytes()[99], std::byte(7));
+    }
+    QVERIFY(ShmAttachment::remove(*id).has_value());
+    QVERIFY(!ShmAttachment::attach(*id, ShmAttachment::Access::ReadOnly));
+}
+
+void TstSystemObjects::aReadOnlyAttachmentCannotBeWritten()
+{
+    const auto id = ShmAttachment::segment({IPC_PRIVATE, 0600}, 16);
+    const auto attachment = ShmAttachment::attach(*id, ShmAttachment::Access::ReadOnly);
+    const auto zeros = Fd::open("/dev/zero", O_RDONLY);
+    QCOMPARE(::read(zeros->get(), attachment->bytes().data(), 1), -1); // the kernel refuses where a store would fault
+    QCOMPARE(errno, EFAULT);
+    std::ignore = ShmAttachment::remove(*id);
+}
+
+void TstSystemObjects::semaphoresRefuseInsteadOfWaiting()
+{
+    const auto set = SemaphoreSet::open({IPC_PRIVATE, 0600}, 2);
+    QVERIFY(set.has_value());
+    QVERIFY(set->setValue(1, 1).has_value());
+    std::array down{sembuf{1, -1, IPC_NOWAIT | SEM_UNDO}};
+    const int taken = inChild([&] { return set->apply(down) ? 0 : 1; });
+    QCOMPARE(taken, 0);
+    QCOMPARE(*set->value(1), 1); // what a dead process took comes back
+    QVERIFY(set->apply(down).has_value());
+    QCOMPARE(set->apply(down).error().number, EAGAIN);
+    QCOMPARE(*set->lastProcess(1), ::getpid());
+    QVERIFY(set->remove().has_value());
+    QVERIFY(!set->value(0));
+}
+
+void TstSystemObjects::messagesKeepTheirTypeOrderAndBytes()
+{
+    const auto queue = MessageQueue::open({IPC_PRIVATE, 0600});
+    QVERIFY(queue.has_value());
+    QCOMPARE(queue->receive(16).error().number, EAGAIN);
+    QVERIFY(queue->send(5, bytesOf("first")).has_value());
+    QVERIFY(queue->send(1, {}).has_value());
+    QCOMPARE(*queue->pending(), 2U);
+    QCOMPARE(queue->receive(2).error().number, E2BIG);
+    const auto first = queue->receive(16);
+    QCOMPARE(first->type, 5);
+    QCOMPARE(first->bytes.size(), 5U);
+    QCOMPARE(char(first->bytes[4]), 't');
+    QVERIFY(queue->receive(16)->bytes.empty());
+    QVERIFY(queue->remove().has_value());
+}
+
+void TstSystemObjects::aFullQueueRefuses()
+{
+    const auto queue = MessageQueue::open({IPC_PRIVATE, 0600});
+    const std::array<std::byte, 1000> block{};
+    Result<> sent;
+    for (int i = 0; sent && i < 100'000; ++i)
+        sent = queue->send(1, block);
+    QVERIFY(!sent);
+    QCOMPARE(sent.error().number, EAGAIN);
+    QVERIFY(queue->remove().has_value());
+}
+
+QTEST_APPLESS_MAIN(TstSystemObjects)
+#include "tst_systemobjects.moc"
