@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests, each on a phone of its own: test.sh [PRESET] [CTEST-OPTION...]
+# PRESET is dev (the default), asan, release or coverage.
+. "$(dirname "$0")/common.sh"
+preset=dev
+case ${1:-} in
+  dev | asan | release | coverage) preset=$1; shift ;;
+  -h | --help) sed -n '2,3s/^# //p' "$0"; exit 0 ;;
+esac
+ensure_packages "${build_packages[@]}" "${phone_packages[@]}" "${test_packages[@]}"
+build "$preset"
+say "testing ($preset)"
+ctest --preset "$preset" -j "$jobs" "$@"
