@@ -37,7 +37,7 @@ Result<int> ShmAttachment::segment(IpcName name, std::size_t size)
 Result<ShmAttachment> ShmAttachment::attach(int id, Access access)
 {
     void *address = ::shmat(id, nullptr, access == Access::ReadOnly ? SHM_RDONLY : 0);
-    if (address == reinterpret_cast<void *>(-1))
+    if (address == reinterpret_cast<void *>(-1)) // NOLINT(performance-no-int-to-ptr): shmat's own answer
         return failed("shmat");
     ShmAttachment attachment(std::span(static_cast<std::byte *>(address), 1));
     shmid_ds status = {};
