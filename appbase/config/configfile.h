@@ -1,0 +1,19 @@
+// Reads the bytes of a configuration file, whatever stands at its path.
+#pragma once
+
+#include "platform/system/result.h"
+#include "platform/tyxexport.h"
+
+#include <QByteArray>
+#include <QString>
+
+namespace config {
+
+// Settings are a few kilobytes. What is larger than this is damage, and reading it would take the process down.
+inline constexpr qint64 kMaxFileBytes = 128 * 1024 * 1024;
+
+// The whole file. Anything but a regular file (a FIFO, a directory, a device) is EINVAL without waiting for it, a file
+// over the limit EFBIG. Exported for the tools, not installed.
+TYX_EXPORT platform::Result<QByteArray> readFile(const QString &path);
+
+}
