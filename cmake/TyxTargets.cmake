@@ -67,11 +67,16 @@ endfunction()
 
 set(TYX_SANDBOX ${CMAKE_SOURCE_DIR}/scripts/sandbox --rw ${CMAKE_BINARY_DIR} --)
 
-# tyx_add_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>] [ENV <NAME=value>...])
+# tyx_add_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>] [TMP_SIZE <bytes>] [ENV <NAME=value>...])
 # A QtTest program that ctest runs in a sandbox of its own (and, in a cross build, on the emulator).
+# TMP_SIZE makes its /tmp a disk that gets full.
 # LINK either folder libraries (to reach what the shared library hides) or tyxappbase, not both.
 function(tyx_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;LINK;ENV")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT;TMP_SIZE" "SOURCES;LINK;ENV")
+  set(sandbox ${TYX_SANDBOX})
+  if(arg_TMP_SIZE)
+    list(TRANSFORM sandbox REPLACE "^--$" "--tmp-size;${arg_TMP_SIZE};--")
+  endif()
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
@@ -81,7 +86,7 @@ function(tyx_add_test name)
   target_compile_definitions(${name} PRIVATE
     TYX_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TYX_BINARY_DIR="${CMAKE_BINARY_DIR}")
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  add_test(NAME ${name} COMMAND ${TYX_SANDBOX} ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}>)
+  add_test(NAME ${name} COMMAND ${sandbox} ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}>)
   set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT}
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${arg_ENV}")
 endfunction()

@@ -1,0 +1,197 @@
+#include "platform/system/filereplace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+#include <cstdlib>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using platform::FileReplacement;
+
+namespace {
+
+const QString kPath = QStringLiteral("/tmp/file");
+const QString kNew = QStringLiteral("/tmp/file.new");
+
+QByteArray content(const QString &path = kPath)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+}
+
+void fill(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+platform::Result<> replace(const QByteArray &bytes, mode_t mode = 0644)
+{
+    return platform::replaceFile(kPath, std::as_bytes(std::span(bytes)), mode);
+}
+
+using Failure = std::pair<QByteArray, int>;
+Failure failure(const platform::Result<> &result)
+{
+    return result ? Failure("none", 0) : Failure(result.error().call, result.error().number);
+}
+
+mode_t modeOf(const QString &path)
+{
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode : 0;
+}
+
+}
+
+class TstFileReplace : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void theModeIsWhatWasAskedFor();
+    void aDroppedReplacementChangesNothing();
+    void leftoversAreRemovedNotReused();
+    void whatCannotBeATemporaryStays();
+    void aLinkIsReplacedNotFollowed();
+    void namesThatAreNone();
+    void aWriterWaitsForTheOther();
+    void manyWritersNeverTearTheFile();
+};
+
+void TstFileReplace::init()
+{
+    QDir().rmdir(kNew);
+    for (const QString &name : QDir(QStringLiteral("/tmp")).entryList(QDir::Files | QDir::System | QDir::Hidden))
+        QVERIFY(QFile::remove(QStringLiteral("/tmp/") + name));
+}
+
+void TstFileReplace::theModeIsWhatWasAskedFor()
+{
+    fill(kPath, "old");
+    QVERIFY(QFile::setPermissions(kPath, QFile::ReadOwner));
+    const mode_t umaskBefore = ::umask(077);
+    QVERIFY(replace("new", 0666));
+    ::umask(umaskBefore);
+    QCOMPARE(modeOf(kPath), mode_t(S_IFREG | 0666));
+    QCOMPARE(content(), QByteArray("new"));
+}
+
+void TstFileReplace::aDroppedReplacementChangesNothing()
+{
+    fill(kPath, "old");
+    {
+        auto replacement = FileReplacement::begin(kPath, 0644);
+        QVERIFY(replacement);
+        QVERIFY(replacement->write(std::as_bytes(std::span("half of it"))));
+        QVERIFY(QFile::exists(kNew));
+        const FileReplacement moved = std::move(*replacement);
+    }
+    QVERIFY(!QFile::exists(kNew));
+    QCOMPARE(content(), QByteArray("old"));
+}
+
+// A writer that was killed left its temporary; it may be unreadable, or have a second name by now.
+void TstFileReplace::leftoversAreRemovedNotReused()
+{
+    fill(kNew, "much longer than what is written now");
+    QCOMPARE(::link("/tmp/file.new", "/tmp/precious"), 0);
+    QVERIFY(replace("short"));
+    QCOMPARE(content(), QByteArray("short"));
+    QCOMPARE(content(QStringLiteral("/tmp/precious")), QByteArray("much longer than what is written now"));
+}
+
+void TstFileReplace::whatCannotBeATemporaryStays()
+{
+    fill(kPath, "old");
+    fill(QStringLiteral("/tmp/target"), "target");
+    QCOMPARE(::symlink("/tmp/target", "/tmp/file.new"), 0);
+    QCOMPARE(failure(replace("new")), Failure("open", ELOOP));
+    QVERIFY(QFile::remove(kNew));
+    QVERIFY(QDir().mkdir(kNew));
+    QCOMPARE(failure(replace("new")), Failure("open", EISDIR));
+    QVERIFY(QDir().rmdir(kNew));
+    QCOMPARE(::mkfifo("/tmp/file.new", 0666), 0);
+    QCOMPARE(failure(replace("new")), Failure("open", EEXIST));
+    QVERIFY(S_ISFIFO(modeOf(kNew)));
+    QCOMPARE(content(), QByteArray("old"));
+    QCOMPARE(content(QStringLiteral("/tmp/target")), QByteArray("target"));
+}
+
+void TstFileReplace::aLinkIsReplacedNotFollowed()
+{
+    fill(QStringLiteral("/tmp/target"), "target");
+    QCOMPARE(::symlink("/tmp/target", "/tmp/file"), 0);
+    QVERIFY(replace("new"));
+    QVERIFY(S_ISREG(modeOf(kPath)));
+    QCOMPARE(content(QStringLiteral("/tmp/target")), QByteArray("target"));
+}
+
+void TstFileReplace::namesThatAreNone()
+{
+    fill(kPath, "old");
+    // Cut off at the NUL, the temporary's name would be that of the file.
+    QCOMPARE(failure(platform::replaceFile(kPath + QChar::Null, {}, 0644)), Failure("open", EINVAL));
+    QCOMPARE(content(), QByteArray("old"));
+    QCOMPARE(failure(platform::replaceFile(QString(), {}, 0644)), Failure("rename", ENOENT));
+    QCOMPARE(failure(platform::replaceFile(QStringLiteral("/none/x"), {}, 0644)), Failure("open", ENOENT));
+    QVERIFY(!QFile::exists(QStringLiteral("/tmp/.new")));
+}
+
+void TstFileReplace::aWriterWaitsForTheOther()
+{
+    auto first = FileReplacement::begin(kPath, 0644);
+    QVERIFY(first);
+    QVERIFY(first->write(std::as_bytes(std::span("first", 5))));
+    bool done = false;
+    std::thread second([&] { done = replace("second").has_value(); });
+    QVERIFY(first->sync());
+    QVERIFY(first->publish());
+    { // gives up its lock
+        const FileReplacement over = std::move(*first);
+    }
+    second.join();
+    QVERIFY(done);
+    QCOMPARE(content(), QByteArray("second"));
+}
+
+// Processes that replace the same file again and again with texts of different lengths, some dying in between.
+void TstFileReplace::manyWritersNeverTearTheFile()
+{
+    constexpr int writers = 6;
+    constexpr int rounds = 60;
+    QVERIFY(replace("0"));
+    const auto whole = [](const QByteArray &bytes) { return bytes.count(bytes.at(0)) == bytes.size(); };
+    for (int writer = 0; writer < writers; ++writer) {
+        if (::fork() != 0)
+            continue;
+        for (int round = 0; round < rounds; ++round) {
+            if (!replace(QByteArray(1 + (writer * 7919 + round * 104729) % 30000, char('a' + writer))))
+                ::_exit(1);
+        }
+        auto killed = FileReplacement::begin(kPath, 0644);
+        std::ignore = killed->write(std::as_bytes(std::span("x")));
+        ::_exit(0); // no destructor: the temporary is left as a kill leaves it
+    }
+    int running = writers;
+    while (running > 0) {
+        const QByteArray bytes = content();
+        QVERIFY2(!bytes.isEmpty() && whole(bytes), bytes.left(100).constData());
+        int status = 0;
+        while (::waitpid(-1, &status, WNOHANG) > 0) {
+            --running;
+            QCOMPARE(status, 0);
+        }
+    }
+    QVERIFY(replace("last"));
+    QCOMPARE(content(), QByteArray("last"));
+    QVERIFY(!QFile::exists(kNew));
+}
+
+QTEST_APPLESS_MAIN(TstFileReplace)
+#include "tst_filereplace.moc"
