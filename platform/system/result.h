@@ -1,6 +1,8 @@
 // The answer of everything that calls the system: a value, or which call failed and why.
 #pragma once
 
+#include "platform/tyxexport.h"
+
 #include <QString>
 #include <cerrno>
 #include <tl/expected.hpp>
@@ -12,7 +14,7 @@ struct SysError {
     const char *call = "";
     int number = 0;
 
-    [[nodiscard]] QString text() const; // "rename: Permission denied"
+    [[nodiscard]] TYX_EXPORT QString text() const; // "rename: Permission denied"
 };
 
 template <typename T = void> using Result = tl::expected<T, SysError>;

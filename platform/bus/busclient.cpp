@@ -1,0 +1,314 @@
+#include "platform/bus/busclient.h"
+
+#include "platform/bus/busflush.h"
+#include "platform/bus/qcopchannel.h"
+
+#include <cstdlib>
+#include <sys/timerfd.h>
+
+namespace platform {
+
+void busFlush() { bus::BusClient::instance().flush(bus::kAnswerWait); }
+
+}
+
+namespace platform::bus {
+
+namespace {
+
+BusClient *theClient = nullptr;
+using Clock = std::chrono::steady_clock;
+
+}
+
+BusClient &BusClient::instance()
+{
+    if (theClient == nullptr) {
+        theClient = new BusClient;
+        std::atexit(busFlush);
+        if (BusBroker *host = BusBroker::hosted())
+            hostAppeared(*host);
+    }
+    return *theClient;
+}
+
+BusClient::BusClient() : m_retryTimer(Fd::own(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK))) { }
+
+void BusClient::add(QCopChannel *channel)
+{
+    QList<QCopChannel *> &sameName = m_channels[channel->channel()];
+    sameName.append(channel);
+    if (sameName.size() > 1)
+        return;
+    if (BusBroker *host = BusBroker::hosted())
+        return host->registerForHost(channel->channel());
+    const bool registersAll = m_link == nullptr; // connecting registers this one too
+    QByteArray frame;
+    putChannel(frame, FrameType::Register, channel->channel());
+    if (registersAll ? !connectLink() : !transmit(frame))
+        return scheduleRetry();
+    // The answer is known; waited for is that the broker has come this far. From here on all other processes find the
+    // channel, so a message that was not stored for it is sent to it.
+    std::ignore = isRegistered(channel->channel());
+}
+
+void BusClient::remove(QCopChannel *channel)
+{
+    const auto sameName = m_channels.find(channel->channel());
+    if (sameName == m_channels.end() || !sameName->removeOne(channel) || !sameName->isEmpty())
+        return;
+    m_channels.erase(sameName);
+    if (BusBroker *host = BusBroker::hosted())
+        return host->unregisterForHost(channel->channel());
+    QByteArray frame;
+    putChannel(frame, FrameType::Unregister, channel->channel());
+    if (m_link)
+        write(frame);
+}
+
+bool BusClient::send(const Message &message)
+{
+    if (!fitsFrame(message))
+        return false;
+    if (BusBroker *host = BusBroker::hosted()) {
+        host->sendFromHost(message);
+        return true;
+    }
+    QByteArray frame;
+    putMessage(frame, message);
+    return transmit(frame);
+}
+
+bool BusClient::sendLocally(const QCString &channel, const QCString &name, const QByteArray &data)
+{
+    QList<QPointer<QCopChannel>> receivers;
+    for (QCopChannel *receiver : m_channels.value(channel))
+        receivers.append(receiver);
+    for (const auto &receiver : std::as_const(receivers)) {
+        if (receiver)
+            receiver->receive(name, data);
+    }
+    return !receivers.isEmpty();
+}
+
+bool BusClient::isRegistered(QByteArrayView channel)
+{
+    if (const BusBroker *host = BusBroker::hosted())
+        return host->isRegistered(channel);
+    QByteArray frame;
+    const quint32 token = ++m_token;
+    putQuery(frame, {token, channel});
+    if (!isChannelName(channel) || !transmit(frame) || !m_link->drain(kAnswerWait))
+        return false;
+    m_answer.reset();
+    for (const auto end = Clock::now() + kAnswerWait; m_link && Clock::now() < end;) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (m_link->waitForInput(left) && !m_link->receive([this](const Frame &received) { onFrame(received); }))
+            lose();
+        if (m_answer && m_answer->token == token)
+            return m_answer->yes;
+    }
+    return false;
+}
+
+void BusClient::flush(std::chrono::milliseconds limit)
+{
+    if (BusBroker *host = BusBroker::hosted())
+        host->flush(limit);
+    else if (m_link)
+        m_link->drain(limit);
+}
+
+bool BusClient::connectLink()
+{
+    auto link = BusLink::open();
+    if (!link)
+        return false;
+    m_link = std::move(*link);
+    m_inputWatch = std::make_unique<LoopWatch>(m_link->fd(), QSocketNotifier::Read, [this] { onInput(); });
+    m_retryWatch.reset();
+    registerAll();
+    return m_link->drain(kAnswerWait);
+}
+
+void BusClient::registerAll()
+{
+    for (auto it = m_channels.cbegin(); it != m_channels.cend(); ++it)
+        putChannel(m_link->tail(), FrameType::Register, it.key());
+}
+
+// A connection that turns out to be dead is made again once: the broker may be back already.
+bool BusClient::transmit(QByteArrayView frame)
+{
+    const bool wasThere = m_link != nullptr;
+    if ((wasThere || connectLink()) && write(frame))
+        return true;
+    return wasThere && !m_link && connectLink() && write(frame);
+}
+
+bool BusClient::write(QByteArrayView frame)
+{
+    // Nobody reads for us: wait a while, then give up this frame rather than grow without end.
+    if (m_link->backlog() + frame.size() > kMaxBacklog && !m_link->drain(kAnswerWait, kMaxBacklog - frame.size()))
+        return false;
+    m_link->tail().append(frame);
+    auto state = m_link->flush();
+    // The broker reads fast: waiting for it lets a burst survive an _exit() right behind it. Once it was found stuck,
+    // nothing waits until it reads again.
+    if (state == SendBuffer::State::Blocked && !m_roomWatch && m_link->drain(hasLoop() ? kRoomWait : kAnswerWait))
+        state = SendBuffer::State::Empty;
+    if (state == SendBuffer::State::Broken || (state == SendBuffer::State::Blocked && !hasLoop())) {
+        lose();
+        return false;
+    }
+    if (state == SendBuffer::State::Blocked)
+        watchForRoom();
+    return true;
+}
+
+void BusClient::watchForRoom()
+{
+    if (m_roomWatch)
+        return;
+    m_roomWatch = std::make_unique<LoopWatch>(m_link->fd(), QSocketNotifier::Write, [this] {
+        const auto state = m_link->flush();
+        if (state == SendBuffer::State::Broken)
+            lose();
+        else if (state == SendBuffer::State::Empty)
+            m_roomWatch.reset();
+    });
+}
+
+void BusClient::onInput()
+{
+    if (m_link && !m_link->receive([this](const Frame &frame) { onFrame(frame); }))
+        lose();
+    dispatch();
+}
+
+void BusClient::onFrame(const Frame &frame)
+{
+    switch (frame.type) {
+    case FrameType::Message:
+        if (const auto message = readMessage(frame.payload))
+            m_queue.push_back({message->channel.toByteArray(), QCString(message->name), message->data.toByteArray()});
+        if (!m_wakeUpPosted && m_queue.size() > 1)
+            wakeUp();
+        break;
+    case FrameType::Answer:
+        m_answer = readAnswer(frame.payload);
+        break;
+    case FrameType::Welcome:
+        m_retryDelay = kRetryFirst;
+        break;
+    case FrameType::Goodbye:
+        onGoodbye(frame.payload);
+        break;
+    default:
+        break; // of a later version
+    }
+}
+
+void BusClient::onGoodbye(QByteArrayView reason)
+{
+    if (m_lastGoodbye == reason)
+        return; // said already, before the last retry
+    m_lastGoodbye = reason.toByteArray();
+    qWarning("bus: the server closed the connection: %s", m_lastGoodbye.constData());
+}
+
+void BusClient::lose()
+{
+    m_inputWatch.reset();
+    m_roomWatch.reset();
+    m_link.reset();
+    scheduleRetry();
+}
+
+void BusClient::scheduleRetry()
+{
+    if (m_channels.isEmpty() || m_retryWatch)
+        return;
+    const auto nanoseconds = std::chrono::nanoseconds(m_retryDelay).count();
+    const timespec delay = {.tv_sec = nanoseconds / 1'000'000'000, .tv_nsec = nanoseconds % 1'000'000'000};
+    const itimerspec once = {.it_interval = {}, .it_value = delay};
+    timerfd_settime(m_retryTimer.get(), 0, &once, nullptr);
+    m_retryWatch = std::make_unique<LoopWatch>(m_retryTimer.get(), QSocketNotifier::Read, [this] { onRetry(); });
+    m_retryDelay = std::min(2 * m_retryDelay, kRetryLast);
+}
+
+void BusClient::onRetry()
+{
+    m_retryWatch.reset();
+    if (!m_link && BusBroker::hosted() == nullptr && !connectLink())
+        scheduleRetry();
+}
+
+void BusClient::hostAppeared(BusBroker &host)
+{
+    if (theClient == nullptr)
+        return;
+    theClient->m_inputWatch.reset();
+    theClient->m_roomWatch.reset();
+    theClient->m_retryWatch.reset();
+    theClient->m_link.reset();
+    host.setHostSink(theClient);
+    for (auto it = theClient->m_channels.cbegin(); it != theClient->m_channels.cend(); ++it)
+        host.registerForHost(it.key());
+}
+
+void BusClient::hostGone()
+{
+    if (theClient != nullptr)
+        theClient->scheduleRetry();
+}
+
+void BusClient::take(const Message &message)
+{
+    m_queue.push_back({message.channel.toByteArray(), QCString(message.name), message.data.toByteArray()});
+    wakeUp();
+}
+
+void BusClient::wakeUp()
+{
+    if (std::exchange(m_wakeUpPosted, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_wakeUpPosted = false;
+            dispatch();
+        },
+        Qt::QueuedConnection);
+}
+
+void BusClient::dispatch()
+{
+    while (takeNext())
+        deliverNext();
+}
+
+bool BusClient::takeNext()
+{
+    while (m_receivers.isEmpty() && !m_queue.empty()) {
+        m_current = std::move(m_queue.front());
+        m_queue.pop_front();
+        for (QCopChannel *receiver : m_channels.value(m_current.channel))
+            m_receivers.append(receiver);
+    }
+    return !m_receivers.isEmpty();
+}
+
+void BusClient::deliverNext()
+{
+    const QPointer<QCopChannel> receiver = m_receivers.takeFirst();
+    // Copies: a receiver that runs an event loop of its own makes the rest of the queue be delivered from there.
+    const QCString name = m_current.name;
+    const QByteArray data = m_current.data;
+    if (!m_receivers.isEmpty() || !m_queue.empty())
+        wakeUp();
+    if (receiver)
+        receiver->receive(name, data);
+}
+
+}

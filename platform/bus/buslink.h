@@ -1,0 +1,50 @@
+// A client's connection to the broker: greets, writes frames, hands out the frames that come.
+//
+// For the process's one client, and for tools that ask what no application asks. A frame's views are valid during the
+// call that hands it out.
+#pragma once
+
+#include "platform/bus/busframe.h"
+#include "platform/bus/bussendbuffer.h"
+#include "platform/system/fd.h"
+#include "platform/tyxexport.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace platform::bus {
+
+class TYX_EXPORT BusLink {
+public:
+    // Connects and writes the greeting. The broker's answer is not waited for: frames may follow at once.
+    static Result<std::unique_ptr<BusLink>> open(const QByteArray &path);
+    static Result<std::unique_ptr<BusLink>> open(); // at the standard place
+    ~BusLink();
+    BusLink(const BusLink &) = delete;
+    BusLink &operator=(const BusLink &) = delete;
+
+    // The descriptor, to be watched for reading.
+    [[nodiscard]] int fd() const { return m_socket.get(); }
+
+    // Frames are put here; flush() or drain() writes them.
+    [[nodiscard]] QByteArray &tail() { return m_out.tail(); }
+    SendBuffer::State flush() { return m_out.flush(fd()); }
+    // Waits until at most `backlog` bytes are left to be written. False when it takes longer, or the broker is gone.
+    bool drain(std::chrono::milliseconds limit, qsizetype backlog = 0);
+    [[nodiscard]] qsizetype backlog() const { return m_out.backlog(); }
+
+    // Reads once what is there and calls handle(frame) for each whole frame. False: the connection has ended.
+    bool receive(const std::function<void(const Frame &)> &handle);
+    // True when there is something to read; a negative limit waits without end.
+    [[nodiscard]] bool waitForInput(std::chrono::milliseconds limit) const;
+
+private:
+    explicit BusLink(Fd socket);
+
+    Fd m_socket;
+    FrameReader m_in;
+    SendBuffer m_out;
+};
+
+}

@@ -1,0 +1,47 @@
+// A named channel of the message bus that all programs of the phone share.
+#pragma once
+
+#include "platform/tyxexport.h"
+#include "platform/values/qcstring.h"
+
+#include <QByteArray>
+#include <QObject>
+
+// While it lives this process gets the messages sent to the channel, from all processes and its own; further channels
+// of the same name in one process each get them. Messages of one sender arrive in the order in which they were sent,
+// from the event loop. A channel may be deleted while it receives.
+//
+// A name has 1 to 255 bytes; anything else makes a channel that gets no messages. When the GUI server ends, channels
+// stay and work again once it is back. To be used from the GUI thread.
+class TYX_EXPORT QCopChannel : public QObject {
+    Q_OBJECT
+
+public:
+    // Returns when the server knows the channel: whoever asks or sends from now on finds it.
+    explicit QCopChannel(const QCString &channel, QObject *parent = nullptr);
+    ~QCopChannel() override;
+
+    [[nodiscard]] QCString channel() const;
+
+    // Whether any process has the channel. Asks the server and waits for its answer; messages that arrive meanwhile are
+    // delivered later, from the event loop. False when no server runs.
+    static bool isRegistered(const QCString &channel);
+
+    // Sends a message (a name, as a rule a signature such as "raise()", and its arguments) to all who have the channel.
+    // True when it is on its way: it arrives even if this process ends now. False when no server runs, the channel's
+    // name is none, or the message with its names is larger than a frame of the bus (1 MiB).
+    static bool send(const QCString &channel, const QCString &msg);
+    static bool send(const QCString &channel, const QCString &msg, const QByteArray &data);
+
+    // Hands the message to the channels of this process alone, before it returns. False when there are none.
+    static bool sendLocally(const QCString &channel, const QCString &msg, const QByteArray &data = {});
+
+    // Called for each message; emits received().
+    virtual void receive(const QCString &msg, const QByteArray &data);
+
+Q_SIGNALS:
+    void received(const QCString &msg, const QByteArray &data);
+
+private:
+    QCString m_channel;
+};

@@ -1,0 +1,49 @@
+// A program that a test leads line by line: a command on its standard input, an answer on its standard output.
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+class PeerProcess {
+public:
+    // A program of the build tree's test folder, already started.
+    explicit PeerProcess(const QString &program, const QStringList &arguments = {})
+    {
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QStringLiteral(TYX_BINARY_DIR "/tests/") + program, arguments);
+    }
+    ~PeerProcess() { kill(); }
+    PeerProcess(const PeerProcess &) = delete;
+    PeerProcess &operator=(const PeerProcess &) = delete;
+
+    void tell(const QByteArray &command) { m_process.write(command + '\n'); }
+
+    // The next line of output, or what went wrong.
+    QByteArray line()
+    {
+        while (!m_process.canReadLine()) {
+            if (!m_process.waitForReadyRead(kPatienceMs) && !m_process.canReadLine())
+                return m_process.state() == QProcess::NotRunning ? "(it has ended)" : "(no answer)";
+        }
+        return m_process.readLine().trimmed();
+    }
+    QByteArray ask(const QByteArray &command)
+    {
+        tell(command);
+        return line();
+    }
+
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished(kPatienceMs);
+    }
+    bool waitForEnd() { return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(kPatienceMs); }
+    qint64 pid() const { return m_process.processId(); }
+
+private:
+    static constexpr int kPatienceMs = 20'000;
+    QProcess m_process;
+};
