@@ -1,0 +1,60 @@
+// What reaches a process from the screen, as an application sees it before any widget does.
+#pragma once
+
+#include "platform/tyxexport.h"
+
+#include <QPoint>
+#include <QString>
+#include <Qt>
+
+class QWSKeyEvent;
+class QWSMouseEvent;
+class QWSFocusEvent;
+
+// Handed to QWSApplication::qwsEventFilter(); lives only as long as that call.
+class TYX_EXPORT QWSEvent {
+public:
+    enum Type { Key, Mouse, Focus };
+
+    virtual ~QWSEvent();
+    QWSEvent(const QWSEvent &) = delete;
+    QWSEvent &operator=(const QWSEvent &) = delete;
+
+    [[nodiscard]] Type type() const { return m_type; }
+    [[nodiscard]] int window() const { return m_window; } // the identifier of the window; 0 when it has none
+
+    // This event as what it is; null when it is something else.
+    [[nodiscard]] const QWSKeyEvent *asKey() const;
+    [[nodiscard]] const QWSMouseEvent *asMouse() const;
+    [[nodiscard]] const QWSFocusEvent *asFocus() const;
+
+protected:
+    QWSEvent(Type type, int window) : m_type(type), m_window(window) { }
+
+private:
+    Type m_type;
+    int m_window;
+};
+
+class TYX_EXPORT QWSKeyEvent : public QWSEvent {
+public:
+    explicit QWSKeyEvent(int window) : QWSEvent(Key, window) { }
+    int keycode = 0; // Qt::Key
+    Qt::KeyboardModifiers modifiers;
+    QString text; // what the key types; empty for keys that type nothing
+    bool isPress = false;
+    bool isAutoRepeat = false;
+};
+
+class TYX_EXPORT QWSMouseEvent : public QWSEvent {
+public:
+    explicit QWSMouseEvent(int window) : QWSEvent(Mouse, window) { }
+    QPoint position; // on the screen
+    Qt::MouseButtons state; // the buttons that are down after the event
+};
+
+class TYX_EXPORT QWSFocusEvent : public QWSEvent {
+public:
+    QWSFocusEvent(int window, bool gained) : QWSEvent(Focus, window), gotFocus(gained) { }
+    bool gotFocus;
+};
