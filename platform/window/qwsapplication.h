@@ -57,5 +57,7 @@ public:
     bool notify(QObject *receiver, QEvent *event) override;
 
 private:
+    void startServer();
+
     std::unique_ptr<QWSApplicationData> d;
 };

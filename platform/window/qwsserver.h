@@ -87,7 +87,7 @@ Q_SIGNALS:
 
 private:
     friend class QWSApplication;
-    explicit QWSServer(std::unique_ptr<WindowServerBackend> backend);
+    QWSServer(std::unique_ptr<WindowServerBackend> backend, QSize screen);
 
     std::unique_ptr<WindowServerBackend> m_backend;
 };

@@ -1,0 +1,52 @@
+// The phone's GUI server.
+#include "guiserver/terminationsignals.h"
+#include "platform/window/qwsapplication.h"
+#include "platform/window/qwsserver.h"
+
+#include <CLI/CLI.hpp>
+#include <QWidget>
+#include <cstdio>
+#include <optional>
+#include <string>
+
+namespace {
+
+// The options are taken by the application object; here they are explained, and refused when they are wrong.
+std::optional<int> checkArguments(int argc, char **argv)
+{
+    CLI::App program("GUI server of the phone: its screen, its windows, its keys.", "tyx-guiserver");
+    std::string platform;
+    std::string size;
+    program.add_option("--platform", platform,
+        "Where the screen is: offscreen, xcb (a window), vnc or linuxfb; the plug-in's own options follow a colon "
+        "(vnc:port=5901). Default: xcb when DISPLAY is set, else offscreen");
+    program.add_option("--size", size, "Size of the screen as WIDTHxHEIGHT in pixels (default 240x320)");
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return program.exit(error) == 0 ? 0 : 2;
+    }
+    return std::nullopt;
+}
+
+void announce()
+{
+    const QWSServer &server = *QWSServer::instance();
+    const QSize size = server.screenWidget()->size();
+    std::printf("tyx-guiserver: ready on %s, screen %dx%d, platform %s\n", qPrintable(server.socketPath()),
+        size.width(), size.height(), qPrintable(QGuiApplication::platformName()));
+    std::fflush(stdout);
+}
+
+}
+
+int main(int argc, char **argv)
+{
+    if (const auto status = checkArguments(argc, argv))
+        return *status;
+    QWSApplication application(argc, argv, QWSApplication::GuiServer);
+    const TerminationSignals signals;
+    QObject::connect(&signals, &TerminationSignals::received, &application, &QCoreApplication::quit);
+    announce();
+    return QWSApplication::exec();
+}

@@ -1,0 +1,44 @@
+#include "guiserver/terminationsignals.h"
+
+#include <QSocketNotifier>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::array kSignals{SIGTERM, SIGINT};
+std::array<int, 2> pipeEnds{-1, -1}; // read, write
+
+void onSignal(int)
+{
+    const int saved = errno;
+    const char byte = 0;
+    [[maybe_unused]] const auto written = write(pipeEnds[1], &byte, 1); // a full pipe has said it already
+    errno = saved;
+}
+
+}
+
+TerminationSignals::TerminationSignals()
+{
+    if (pipe2(pipeEnds.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+        return; // the signals keep their plain effect
+    auto *notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+        notifier->setEnabled(false); // a second signal finds us on our way already
+        Q_EMIT received();
+    });
+    for (const int number : kSignals)
+        std::signal(number, onSignal);
+}
+
+TerminationSignals::~TerminationSignals()
+{
+    for (const int number : kSignals)
+        std::signal(number, SIG_DFL);
+    for (const int end : pipeEnds)
+        close(end);
+}

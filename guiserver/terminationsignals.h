@@ -1,0 +1,17 @@
+// SIGTERM and SIGINT as an orderly end of the event loop.
+#pragma once
+
+#include <QObject>
+
+// While it lives, either signal emits received() from the event loop instead of ending the process. One object in a
+// process. (Handlers, not blocked signals: a mask would be inherited by the programs that the server starts.)
+class TerminationSignals : public QObject {
+    Q_OBJECT
+
+public:
+    TerminationSignals();
+    ~TerminationSignals() override;
+
+Q_SIGNALS:
+    void received();
+};

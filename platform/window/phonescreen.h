@@ -1,0 +1,37 @@
+// The socket of the phone's screen: where it is, whether a server answers there, and who may serve it.
+#pragma once
+
+#include "platform/system/fd.h"
+#include "platform/system/filelock.h"
+#include "platform/system/result.h"
+
+#include <QString>
+#include <chrono>
+
+namespace phonescreen {
+
+inline constexpr char kSocketName[] = "tyx-screen-0";
+
+// The per-user directory of sockets: $XDG_RUNTIME_DIR, else a private one under /tmp that this call makes and puts into
+// the environment (the Wayland libraries look there).
+platform::Result<QString> runtimeDirectory();
+
+QString socketPath(); // without making anything
+
+// Waits until a server accepts connections; false when none did in time.
+bool waitForServer(std::chrono::milliseconds limit);
+
+// Held by the one server of this runtime directory.
+class Claim {
+public:
+    // The error EWOULDBLOCK of "flock" says that another server has it.
+    static platform::Result<Claim> take();
+
+private:
+    Claim(platform::Fd file, platform::FileLock lock);
+
+    platform::Fd m_file;
+    platform::FileLock m_lock; // goes before the descriptor that it sits on
+};
+
+}
