@@ -17,10 +17,12 @@ std::optional<int> checkArguments(int argc, char **argv)
     CLI::App program("GUI server of the phone: its screen, its windows, its keys.", "tyx-guiserver");
     std::string platform;
     std::string size;
+    std::string group;
     program.add_option("--platform", platform,
         "Where the screen is: offscreen, xcb (a window), vnc or linuxfb; the plug-in's own options follow a colon "
         "(vnc:port=5901). Default: xcb when DISPLAY is set, else offscreen");
     program.add_option("--size", size, "Size of the screen as WIDTHxHEIGHT in pixels (default 240x320)");
+    program.add_option("--group", group, "Members of this group may use the message bus too");
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

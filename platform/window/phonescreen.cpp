@@ -1,14 +1,15 @@
 #include "platform/window/phonescreen.h"
 
+#include "platform/bus/busaddress.h"
+
 #include <QFile>
+#include <QFileInfo>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <thread>
-#include <unistd.h>
 
 using platform::failed;
 using platform::Fd;
@@ -18,27 +19,6 @@ using platform::Result;
 namespace phonescreen {
 
 namespace {
-
-QString fallbackDirectory() { return QStringLiteral("/tmp/tyx-run-%1").arg(getuid()); }
-
-QString directoryName()
-{
-    const QString given = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
-    return given.startsWith(u'/') ? given : fallbackDirectory();
-}
-
-// /tmp is everybody's: a directory that somebody else laid there is not ours to trust.
-Result<> makePrivate(const QByteArray &path)
-{
-    struct stat status { };
-    if (mkdir(path.constData(), 0700) != 0 && errno != EEXIST)
-        return failed("mkdir");
-    if (lstat(path.constData(), &status) != 0)
-        return failed("lstat");
-    if (!S_ISDIR(status.st_mode) || status.st_uid != getuid() || (status.st_mode & 077) != 0)
-        return failed("lstat", EPERM);
-    return {};
-}
 
 Result<> connectOnce(const QByteArray &path)
 {
@@ -57,18 +37,16 @@ Result<> connectOnce(const QByteArray &path)
 
 }
 
-Result<QString> runtimeDirectory()
+Result<> prepareDirectory()
 {
-    const QString directory = directoryName();
-    if (directory == fallbackDirectory()) {
-        if (const auto made = makePrivate(QFile::encodeName(directory)); !made)
-            return tl::make_unexpected(made.error());
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(directory));
-    }
-    return directory;
+    const auto bus = platform::bus::makeStandardSocket();
+    if (!bus)
+        return tl::make_unexpected(bus.error());
+    qputenv("XDG_RUNTIME_DIR", QFileInfo(QFile::decodeName(*bus)).path().toLocal8Bit());
+    return {};
 }
 
-QString socketPath() { return directoryName() + u'/' + QLatin1String(kSocketName); }
+QString socketPath() { return qEnvironmentVariable("XDG_RUNTIME_DIR") + u'/' + QLatin1String(kSocketName); }
 
 bool waitForServer(std::chrono::milliseconds limit)
 {

@@ -12,11 +12,11 @@ namespace phonescreen {
 
 inline constexpr char kSocketName[] = "tyx-screen-0";
 
-// The per-user directory of sockets: $XDG_RUNTIME_DIR, else a private one under /tmp that this call makes and puts into
-// the environment (the Wayland libraries look there).
-platform::Result<QString> runtimeDirectory();
+// The screen's socket stands beside that of the bus. When that is not where XDG_RUNTIME_DIR says, this call makes the
+// directory and names it there, because the Wayland libraries look nowhere else.
+platform::Result<> prepareDirectory();
 
-QString socketPath(); // without making anything
+QString socketPath(); // once the directory is prepared
 
 // Waits until a server accepts connections; false when none did in time.
 bool waitForServer(std::chrono::milliseconds limit);

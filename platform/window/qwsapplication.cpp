@@ -1,5 +1,7 @@
 #include "platform/window/qwsapplication.h"
 
+#include "platform/bus/busbroker.h"
+#include "platform/bus/busflush.h"
 #include "platform/system/fatal.h"
 #include "platform/window/qwsdecoration.h"
 #include "platform/window/qwsserver.h"
@@ -22,7 +24,8 @@ public:
     std::optional<int> result; // of exec()
     QPointer<QWidget> mainWidget;
     std::unique_ptr<QWSDecoration> decoration = std::make_unique<QWSDecoration>();
-    std::unique_ptr<QWSServer> server; // only in the GUI server
+    std::unique_ptr<platform::BusBroker> broker; // only in the GUI server, like the next
+    std::unique_ptr<QWSServer> server;
     std::unique_ptr<WindowRegistry> windows; // only in a client on the phone's screen
 };
 
@@ -93,11 +96,16 @@ QWSApplication::QWSApplication(int &argc, char **argv, Type applicationType)
 
 void QWSApplication::startServer()
 {
-    // The bus broker belongs here too, before the window server: whoever sees the screen may use the bus.
+    const ServerOptions &options = startup::serverOptions();
+    // The bus comes first: a client that finds the screen finds the bus too.
+    auto broker = platform::BusBroker::listen({.socketPath = {}, .group = options.group});
+    if (!broker)
+        startup::giveUp(QStringLiteral("cannot serve the message bus: ") + broker.error().text(), 1);
+    d->broker = std::move(*broker);
     auto backend = loadWindowServer();
     if (!backend)
         startup::giveUp(backend.error(), 1);
-    d->server.reset(new QWSServer(std::move(*backend), startup::screenSize())); // its constructor is private
+    d->server.reset(new QWSServer(std::move(*backend), options.size)); // its constructor is private
 }
 
 QWSApplication::~QWSApplication()
@@ -106,8 +114,10 @@ QWSApplication::~QWSApplication()
     const std::optional<int> result = d->result;
     d.reset();
     theData = nullptr;
-    if (onPhone && result)
-        platform::leave(*result);
+    if (!onPhone || !result)
+        return;
+    platform::busFlush();
+    platform::leave(*result);
 }
 
 QWSApplication::Type QWSApplication::type() { return theData ? theData->type : Tty; }

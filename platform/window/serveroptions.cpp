@@ -40,6 +40,10 @@ tl::expected<void, QString> apply(const QByteArray &option, const char *value, S
 {
     if (!value)
         return tl::make_unexpected(QString::fromLatin1(option + " wants a value"));
+    if (option == "--group") {
+        options.group = value;
+        return {};
+    }
     if (option == "--size")
         return parseSize(value).map([&](QSize size) { options.size = size; });
     return parsePlatform(value).map([&](const QByteArray &platform) { options.platform = platform; });
@@ -63,7 +67,7 @@ tl::expected<ServerOptions, QString> takeServerOptions(int &argc, char **argv)
     for (int i = 1; i < argc;) {
         const char *equals = std::strchr(argv[i], '=');
         const QByteArray name = equals ? QByteArray(argv[i], equals - argv[i]) : QByteArray(argv[i]);
-        if (name != "--platform" && name != "--size") {
+        if (name != "--platform" && name != "--size" && name != "--group") {
             ++i;
             continue;
         }

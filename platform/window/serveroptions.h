@@ -1,4 +1,4 @@
-// The options of a GUI server's command line that concern its screen.
+// The options of a GUI server's command line.
 #pragma once
 
 #include <QByteArray>
@@ -10,6 +10,7 @@
 struct ServerOptions {
     QByteArray platform; // one of "offscreen", "xcb", "vnc", "linuxfb", with the plug-in's own options after a colon
     QSize size{240, 320};
+    QByteArray group; // whose members may use the bus too; empty: nobody else
 
     [[nodiscard]] QByteArray plugin() const { return platform.split(':').first(); }
 
@@ -18,6 +19,6 @@ struct ServerOptions {
     [[nodiscard]] QByteArray screenDescription() const;
 };
 
-// Takes "--platform NAME" and "--size WIDTHxHEIGHT" (also with "=") out of the arguments, because the toolkit has a
-// --platform of its own, and fills in the defaults. The error is one sentence for the user.
+// Takes "--platform NAME", "--size WIDTHxHEIGHT" and "--group NAME" (also with "=") out of the arguments, because the
+// toolkit has a --platform of its own, and fills in the defaults. The error is one sentence for the user.
 tl::expected<ServerOptions, QString> takeServerOptions(int &argc, char **argv);

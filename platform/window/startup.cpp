@@ -31,8 +31,8 @@ std::optional<Server> theServer;
 
 void requireRuntimeDirectory()
 {
-    if (const auto directory = phonescreen::runtimeDirectory(); !directory)
-        giveUp(QStringLiteral("no directory for the screen's socket (%1); set XDG_RUNTIME_DIR to a writable one")
+    if (const auto directory = phonescreen::prepareDirectory(); !directory)
+        giveUp(QStringLiteral("no directory for sockets (%1); set XDG_RUNTIME_DIR to one of your own")
                    .arg(directory.error().text()),
             1);
 }
@@ -143,6 +143,6 @@ void settle()
     useScreenOfPhone();
 }
 
-QSize screenSize() { return theServer->options.size; }
+const ServerOptions &serverOptions() { return theServer->options; }
 
 }

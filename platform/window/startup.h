@@ -2,8 +2,7 @@
 #pragma once
 
 #include "platform/window/qwsapplication.h"
-
-#include <QSize>
+#include "platform/window/serveroptions.h"
 
 namespace startup {
 
@@ -15,7 +14,7 @@ int &prepare(int &argc, char **argv, QWSApplication::Type type);
 // After the base is built: programs started from here shall find the phone's screen, not this process's own plug-in.
 void settle();
 
-QSize screenSize(); // of the server that prepare() was called for
+const ServerOptions &serverOptions(); // of the server that prepare() was called for
 
 [[noreturn]] void giveUp(const QString &why, int status); // one line that names the program
 
