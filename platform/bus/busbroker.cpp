@@ -19,7 +19,7 @@ namespace {
 
 constexpr qsizetype kReadSize = 64 * 1024;
 constexpr int kEventsPerWakeUp = 64;
-constexpr auto kAcceptPause = 1s; // with no descriptors left; others may be closed meanwhile
+constexpr auto kAcceptPause = 100ms; // with no descriptors left; others may be closed meanwhile
 
 BusBroker *hostedBroker = nullptr;
 

@@ -28,8 +28,8 @@ struct Peer;
 }
 
 struct BusOptions {
-    QByteArray socketPath; // empty: the standard place, which all clients know
-    QByteArray group; // members of this group may connect too; empty: only this user and root
+    QByteArray socketPath = {}; // empty: the standard place, which all clients know
+    QByteArray group = {}; // members of this group may connect too; empty: only this user and root
     std::chrono::milliseconds greetingWait = bus::kGreetingWait;
     std::chrono::milliseconds farewellWait = bus::kFarewellWait;
 };

@@ -1,0 +1,73 @@
+#include <QCopChannel>
+#include <QFile>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "platform/bus/busbroker.h"
+#include "platform/bus/buslimits.h"
+
+// docs/bus.md is a promise to programs that do not use this library.
+class TstBusDoc : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void pythonClientTalksToTheBus();
+    void limitsAreTheOnesInTheCode();
+
+private:
+    QString m_page;
+};
+
+void TstBusDoc::initTestCase()
+{
+    QFile file(QStringLiteral(TYX_SOURCE_DIR "/docs/bus.md"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    m_page = QString::fromUtf8(file.readAll());
+}
+
+void TstBusDoc::pythonClientTalksToTheBus()
+{
+    const QString code = m_page.section(QStringLiteral("```python\n"), 1).section(QStringLiteral("```"), 0, 0);
+    QVERIFY(code.count(u'\n') >= 20);
+    const auto broker = platform::BusBroker::listen();
+    QVERIFY(broker);
+    QCopChannel channel("here");
+    QSignalSpy spy(&channel, &QCopChannel::received);
+
+    QProcess python;
+    python.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    python.start(
+        QStringLiteral("python3"), {QStringLiteral("-c"), code, QStringLiteral("here"), QStringLiteral("there")});
+    QTRY_COMPARE_WITH_TIMEOUT(spy.size(), 1, 20'000);
+    QCOMPARE(spy[0][0].value<QCString>(), "hello");
+    const QByteArray pid = QByteArray::number(python.processId(), 16).rightJustified(8, '0');
+    QCOMPARE(spy[0][1].toByteArray().toHex(), pid);
+
+    QTRY_VERIFY(QCopChannel::isRegistered("there"));
+    QVERIFY(QCopChannel::send("there", "both()", QByteArray("\0\xFF", 2)));
+    QVERIFY(QCopChannel::send("there", "stop"));
+    QTRY_COMPARE_WITH_TIMEOUT(python.state(), QProcess::NotRunning, 20'000);
+    QCOMPARE(python.exitCode(), 0);
+    QCOMPARE(python.readAllStandardOutput(),
+        "here hello " + pid + "\nthere hello " + pid + "\nthere both() 00ff\nthere stop \n");
+}
+
+void TstBusDoc::limitsAreTheOnesInTheCode()
+{
+    using namespace platform::bus;
+    const auto says = [this](const QString &text) { return m_page.contains(text); };
+    QVERIFY(says(QStringLiteral("1 to 1 048 576")) && kMaxFrame == 1'048'576);
+    QVERIFY(says(QStringLiteral("%1 bytes before the greeting").arg(kMaxGreeting)));
+    QVERIFY(says(QStringLiteral("1 to %1 bytes, no NUL").arg(kMaxChannelName)));
+    QVERIFY(says(QStringLiteral("channels of one client | %1 |").arg(kMaxChannelsPerClient)));
+    QVERIFY(says(QStringLiteral("clients | %1 |").arg(kMaxClients)));
+    QVERIFY(says(QStringLiteral("%1 seconds after connecting").arg(kGreetingWait.count() / 1000)));
+    QVERIFY(says(QStringLiteral("%1 MiB beyond").arg(kMaxBacklog / 1024 / 1024)));
+    QVERIFY(says(QStringLiteral("%1 seconds to read it").arg(kFarewellWait.count() / 1000)));
+    QVERIFY(says(QStringLiteral("after %1 ms").arg(kRetryFirst.count())));
+}
+
+QTEST_GUILESS_MAIN(TstBusDoc)
+#include "tst_busdoc.moc"
