@@ -16,7 +16,7 @@
 
 namespace wire {
 
-class Writer {
+class TYX_EXPORT Writer {
 public:
     Writer();
 
@@ -69,7 +69,7 @@ private:
 // Reads what a Writer wrote. Once something does not fit into the bytes that are left the reader is bad: everything
 // read from then on is zero, empty or null. A length or count is compared with the bytes that are left before memory is
 // asked for. Bytes left over at the end are no error: a newer sender may append arguments.
-class Reader {
+class TYX_EXPORT Reader {
 public:
     explicit Reader(const QByteArray &bytes);
 

@@ -1,0 +1,196 @@
+// The messages of the four channels: a table each, and a handler each.
+#include "appbase/application/zapplication.h"
+#include "appbase/application/zapplication_p.h"
+#include "appbase/messaging/route.h"
+#include "appbase/messaging/wire.h"
+
+#include <cstdlib>
+
+namespace {
+
+using Data = ZApplicationData;
+using Row = Route<Data>;
+
+bool restartFlag = true; // while set, "amClosed()" ends the process
+
+constexpr Row processRoutes[] = {
+    {"raise()", &Data::onRaise},
+    {"flush()", &Data::onIgnored},
+    {"nextView()", &Data::onIgnored},
+    {"shutdown()", &Data::onShutdown},
+    {"quickQuit()", &Data::onQuickQuit},
+    {"clickAppIcon()", &Data::onClickAppIcon},
+    {"openDoc(QString)", &Data::onOpenDoc},
+    {"bridgeMessage", &Data::onPidBridgeMessage},
+    {"bridgeMessageWithoutRaise", &Data::onPidBridgeMessageWithoutRaise},
+    {"cmdLine", &Data::onCmdLine},
+    {"bridgeMessage2", &Data::onBridgeMessage2},
+    {"usbMassStorageEnabled(bool)", &Data::onUsbMassStorage},
+};
+
+constexpr Row systemRoutes[] = {
+    {"master clear", &Data::onMasterClear},
+    {"master reset", &Data::onMasterReset},
+    {"amClosed()", &Data::onAmClosed},
+    {"modifytimezone", &Data::onModifyTimeZone},
+    {"shutdown()", &Data::onShutdown},
+    {"notifyLaunchApp", &Data::onNotifyLaunchApp},
+    {"HomeKeyPress", &Data::onHomeKeyPress},
+    {"bridgeMessage", &Data::onBridgeMessage},
+    {"bridgeMessageWithoutRaise", &Data::onBridgeMessageWithoutRaise},
+};
+
+constexpr Row serverRoutes[] = {
+    {"languageChanged()", &Data::onLanguageChanged},
+};
+
+}
+
+void DisableAMClosedRestart() { restartFlag = false; }
+
+void ZApplicationData::pidMessage(const QCString &message, const QByteArray &arguments)
+{
+    dispatch<Data>(processRoutes, *this, message, arguments); // an unknown message is dropped
+}
+
+void ZApplicationData::slotSystemMessage(const QCString &message, const QByteArray &arguments)
+{
+    if (message == "languageChanged()")
+        loadLanguage(); // and the application hears of it too, to put its texts anew
+    if (!dispatch<Data>(systemRoutes, *this, message, arguments))
+        Q_EMIT m_application.systemMessage(message, arguments);
+}
+
+void ZApplicationData::slotServerMessage(const QCString &message, const QByteArray &arguments)
+{
+    if (QWSApplication::type() == QWSApplication::GuiServer)
+        dispatch<Data>(serverRoutes, *this, message, arguments);
+}
+
+void ZApplicationData::slotAppMessage(const QCString &message, const QByteArray &arguments)
+{
+    Q_EMIT m_application.appMessage(message, arguments);
+}
+
+void ZApplicationData::onIgnored(const QByteArray & /*arguments*/) { }
+
+void ZApplicationData::onRaise(const QByteArray & /*arguments*/) { Q_EMIT m_application.signalRaise(); }
+
+void ZApplicationData::onShutdown(const QByteArray & /*arguments*/) { m_application.slotShutdown(); }
+
+void ZApplicationData::onQuickQuit(const QByteArray & /*arguments*/) { m_application.slotQuickQuit(); }
+
+void ZApplicationData::onClickAppIcon(const QByteArray & /*arguments*/) { Q_EMIT m_application.clickAppIcon(); }
+
+void ZApplicationData::onOpenDoc(const QByteArray &arguments)
+{
+    QString document;
+    if (!wire::unpack(arguments, document))
+        return;
+    Q_EMIT m_application.signalRaise();
+    Q_EMIT m_application.signalOpenDoc(document);
+}
+
+// On the process channel an int stands before the message; on the system channel none does. Both are what other
+// programs send.
+void ZApplicationData::onPidBridgeMessage(const QByteArray &arguments)
+{
+    qint32 unused = 0;
+    QCString message;
+    QByteArray data;
+    if (wire::unpack(arguments, unused, message, data))
+        bridge(message, data);
+}
+
+void ZApplicationData::onBridgeMessage(const QByteArray &arguments)
+{
+    QCString message;
+    QByteArray data;
+    if (wire::unpack(arguments, message, data))
+        bridge(message, data);
+}
+
+void ZApplicationData::bridge(const QCString &message, const QByteArray &data)
+{
+    if (message == "openDoc(QString)") {
+        onOpenDoc(data);
+        return;
+    }
+    Q_EMIT m_application.signalRaise();
+    Q_EMIT m_application.signalBridgeMessage(message, data);
+}
+
+void ZApplicationData::onPidBridgeMessageWithoutRaise(const QByteArray &arguments)
+{
+    qint32 unused = 0;
+    QCString message;
+    QByteArray data;
+    if (wire::unpack(arguments, unused, message, data))
+        Q_EMIT m_application.signalBridgeMessageWithoutRaise(message, data);
+}
+
+void ZApplicationData::onBridgeMessageWithoutRaise(const QByteArray &arguments)
+{
+    QCString message;
+    QByteArray data;
+    if (wire::unpack(arguments, message, data))
+        Q_EMIT m_application.signalBridgeMessageWithoutRaise(message, data);
+}
+
+void ZApplicationData::onCmdLine(const QByteArray &arguments)
+{
+    QString commandLine;
+    if (wire::unpack(arguments, commandLine))
+        Q_EMIT m_application.signalCmdLine(commandLine);
+}
+
+void ZApplicationData::onBridgeMessage2(const QByteArray &arguments)
+{
+    Q_EMIT m_application.signalBridgeMessage(arguments);
+}
+
+void ZApplicationData::onUsbMassStorage(const QByteArray &arguments)
+{
+    bool enabled = false;
+    if (wire::unpack(arguments, enabled))
+        Q_EMIT m_application.usbStorageInOut(enabled);
+}
+
+void ZApplicationData::onMasterClear(const QByteArray & /*arguments*/) { Q_EMIT m_application.signalMasterClear(); }
+
+void ZApplicationData::onMasterReset(const QByteArray & /*arguments*/) { Q_EMIT m_application.signalMasterReset(); }
+
+void ZApplicationData::onAmClosed(const QByteArray & /*arguments*/)
+{
+    if (restartFlag)
+        ::_Exit(0); // at once: the application manager is gone, and nobody would start what an orderly end waits for
+}
+
+void ZApplicationData::onModifyTimeZone(const QByteArray &arguments)
+{
+    qint32 h = 0;
+    qint32 m = 0;
+    qint32 s = 0;
+    if (!wire::unpack(arguments, h, m, s))
+        return;
+    // POSIX counts westwards: the sign turns around, and east of Greenwich the minus stands for itself.
+    const QByteArray zone = (h < 1 ? "GMT+" : "GMT") + QByteArray::number(-qint64(h)) + ':' + QByteArray::number(m)
+        + ':' + QByteArray::number(s);
+    qputenv("TZ", zone);
+}
+
+void ZApplicationData::onNotifyLaunchApp(const QByteArray &arguments)
+{
+    qint32 application = 0;
+    if (wire::unpack(arguments, application))
+        Q_EMIT m_application.signalAppLaunched(application);
+}
+
+void ZApplicationData::onHomeKeyPress(const QByteArray & /*arguments*/) { Q_EMIT m_application.signalHomeKeyClicked(); }
+
+// The settings tell the server, and the server tells everybody.
+void ZApplicationData::onLanguageChanged(const QByteArray & /*arguments*/)
+{
+    loadLanguage();
+    QCopChannel::send("TYX/System", "languageChanged()");
+}

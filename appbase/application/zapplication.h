@@ -1,0 +1,73 @@
+// The application object of every program with a screen: its place on the phone, its messages, its language.
+#pragma once
+
+#include "platform/tyxexport.h"
+#include "platform/values/qcstring.h"
+#include "platform/window/qwsapplication.h"
+
+#include <memory>
+
+class ZApplicationData;
+
+// A process makes exactly one, before any widget. Its constructor connects the process to the phone: it opens the
+// channels "TYX/System" and "TYX/Application/" plus the program's name (the GUI server also "TYX/QtServer"), reads the
+// language and opens the channel of the process. From then on messages arrive from the event loop and come out as the
+// signals below.
+//
+// See QWSApplication for how a process without a screen to connect to ends, and for the order of destruction.
+class TYX_EXPORT ZApplication : public QWSApplication {
+    Q_OBJECT
+
+public:
+    ZApplication(int &argc, char **argv, Type type = GuiClient);
+
+    // The order of the virtual functions is fixed: programs built against an older library call them by their place.
+    ~ZApplication() override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void setMainWidget(QWidget *widget) override;
+    bool qwsEventFilter(QWSEvent *event) override;
+
+    static ZApplication *instance() { return qobject_cast<ZApplication *>(QCoreApplication::instance()); }
+
+    // The program's name without its folder: the last part of its channel "TYX/Application/" + name.
+    [[nodiscard]] QString name() const;
+
+    // The code of the language that was set when this process last looked ("de-de"); "en-us" when none is.
+    [[nodiscard]] QString language() const;
+
+public Q_SLOTS:
+    virtual void slotShutdown(); // "shutdown()": emits shutdown(), lets pending events pass, quits
+    virtual void slotQuickQuit(); // "quickQuit()": emits quickQuit(), lets pending events pass, quits
+    virtual void slotUsbStorageInOut(bool enabled); // does nothing here
+    virtual void slotClickAppIcon(); // does nothing here
+    virtual void slotRaise(); // brings the main widget to the front
+
+Q_SIGNALS:
+    void shutdown();
+    void quickQuit();
+    void clickAppIcon();
+    void usbStorageInOut(bool enabled);
+    void signalRaise();
+    void signalOpenDoc(const QString &document);
+    void signalCmdLine(const QString &commandLine);
+    // Messages that another process sends through this one's channel for the application to understand.
+    void signalBridgeMessage(const QCString &message, const QByteArray &data);
+    void signalBridgeMessage(const QByteArray &arguments); // of "bridgeMessage2", not taken apart
+    void signalBridgeMessageWithoutRaise(const QCString &message, const QByteArray &data);
+    void signalMasterClear();
+    void signalMasterReset();
+    void signalAppLaunched(int application);
+    void signalHomeKeyClicked();
+    // What "TYX/System" and the application's channel carry that the library does not handle itself.
+    void systemMessage(const QCString &message, const QByteArray &arguments);
+    void appMessage(const QCString &message, const QByteArray &arguments);
+
+private:
+    friend class ZApplicationData;
+    bool createChannel();
+
+    std::unique_ptr<ZApplicationData> d;
+};
+
+// "amClosed()" on "TYX/System" ends the process at once, unless this was called. For the life of the process.
+TYX_EXPORT void DisableAMClosedRestart(); // name fixed

@@ -1,0 +1,57 @@
+// What an application object knows, and how it takes the messages of its channels.
+#pragma once
+
+#include "platform/bus/qcopchannel.h"
+#include "platform/values/qcstring.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+
+class ZApplication;
+
+// Owned by the application object, and as old as it. GUI thread only.
+class ZApplicationData : public QObject {
+    Q_OBJECT
+
+public:
+    ZApplicationData(ZApplication &application, const char *program);
+
+    void open(const QCString &channel, void (ZApplicationData::*handler)(const QCString &, const QByteArray &));
+    void loadLanguage();
+
+    void pidMessage(const QCString &message, const QByteArray &arguments);
+    void slotSystemMessage(const QCString &message, const QByteArray &arguments);
+    void slotServerMessage(const QCString &message, const QByteArray &arguments);
+    void slotAppMessage(const QCString &message, const QByteArray &arguments);
+
+    const QString name; // argv[0] without folders
+    QString language;
+
+    // One a message, named after it.
+    void onRaise(const QByteArray &arguments);
+    void onIgnored(const QByteArray &arguments);
+    void onShutdown(const QByteArray &arguments);
+    void onQuickQuit(const QByteArray &arguments);
+    void onClickAppIcon(const QByteArray &arguments);
+    void onOpenDoc(const QByteArray &arguments);
+    void onPidBridgeMessage(const QByteArray &arguments);
+    void onPidBridgeMessageWithoutRaise(const QByteArray &arguments);
+    void onCmdLine(const QByteArray &arguments);
+    void onBridgeMessage2(const QByteArray &arguments);
+    void onUsbMassStorage(const QByteArray &arguments);
+    void onMasterClear(const QByteArray &arguments);
+    void onMasterReset(const QByteArray &arguments);
+    void onAmClosed(const QByteArray &arguments);
+    void onModifyTimeZone(const QByteArray &arguments);
+    void onNotifyLaunchApp(const QByteArray &arguments);
+    void onHomeKeyPress(const QByteArray &arguments);
+    void onBridgeMessage(const QByteArray &arguments);
+    void onBridgeMessageWithoutRaise(const QByteArray &arguments);
+    void onLanguageChanged(const QByteArray &arguments);
+
+private:
+    void bridge(const QCString &message, const QByteArray &data);
+
+    ZApplication &m_application;
+};
