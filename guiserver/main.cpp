@@ -1,6 +1,8 @@
 // The phone's GUI server.
+#include "appbase/application/zapplication.h"
+#include "guiserver/screenservice.h"
+#include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
-#include "platform/window/qwsapplication.h"
 #include "platform/window/qwsserver.h"
 
 #include <CLI/CLI.hpp>
@@ -46,9 +48,13 @@ int main(int argc, char **argv)
 {
     if (const auto status = checkArguments(argc, argv))
         return *status;
-    QWSApplication application(argc, argv, QWSApplication::GuiServer);
+    ZApplication application(argc, argv, ZApplication::GuiServer);
     const TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &application, &QCoreApplication::quit);
+    QWSServer &server = *QWSServer::instance();
+    const StatusBar statusBar(server.screenWidget());
+    server.setWorkArea(server.screenWidget()->rect().adjusted(0, StatusBar::kHeight, 0, 0));
+    const ScreenService screenService;
     announce();
-    return QWSApplication::exec();
+    return ZApplication::exec();
 }

@@ -22,5 +22,6 @@ void printLine(const QString &line); // on standard output, as UTF-8
 void printJson(const QJsonDocument &document);
 
 // Each lives in the file of its name; `exit` outlives the parse.
+void addScreen(CLI::App &app, int &exit);
 
 }

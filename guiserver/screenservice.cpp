@@ -1,0 +1,118 @@
+#include "guiserver/screenservice.h"
+
+#include "appbase/messaging/route.h"
+#include "appbase/messaging/wire.h"
+#include "platform/window/qwsserver.h"
+
+#include <QBuffer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+using Row = Route<ScreenService>;
+
+constexpr Row routes[] = {
+    {"shot(QCString)", &ScreenService::onShot},
+    {"windows(QCString)", &ScreenService::onWindows},
+    {"key(QCString,int,int,int)", &ScreenService::onKey},
+    {"text(QCString,QString)", &ScreenService::onText},
+    {"pointer(QCString,int,int,int)", &ScreenService::onPointer},
+};
+
+void answer(const QCString &channel, const QCString &message, const QByteArray &content = {})
+{
+    // A picture of a large screen may be more than one message holds.
+    if (!QCopChannel::send(channel, message, content))
+        QCopChannel::send(channel, "failed(QString)", wire::pack(QStringLiteral("the answer does not fit a message")));
+}
+
+void pressAndRelease(int unicode, int keycode, int modifiers)
+{
+    QWSServer::sendKeyEvent(unicode, keycode, modifiers, true, false);
+    QWSServer::sendKeyEvent(unicode, keycode, modifiers, false, false);
+}
+
+QJsonObject describe(const QWSWindow &window)
+{
+    const QRect place = window.geometry();
+    return {
+        {QStringLiteral("id"), window.winId()},
+        {QStringLiteral("pid"), int(window.clientPid())},
+        {QStringLiteral("title"), window.caption()},
+        {QStringLiteral("name"), window.name()},
+        {QStringLiteral("geometry"), QJsonArray{place.x(), place.y(), place.width(), place.height()}},
+        {QStringLiteral("visible"), window.isVisible()},
+        {QStringLiteral("active"), window.isActive()},
+        {QStringLiteral("popup"), window.isPopup()},
+    };
+}
+
+}
+
+ScreenService::ScreenService(QObject *parent) : QObject(parent), m_channel("TYX/Screen")
+{
+    connect(&m_channel, &QCopChannel::received, this, &ScreenService::receive);
+}
+
+void ScreenService::receive(const QCString &message, const QByteArray &arguments)
+{
+    dispatch<ScreenService>(routes, *this, message, arguments);
+}
+
+void ScreenService::onShot(const QByteArray &arguments)
+{
+    QCString channel;
+    if (!wire::unpack(arguments, channel))
+        return;
+    QBuffer png;
+    QWSServer::instance()->grabScreen().save(&png, "PNG");
+    answer(channel, "shot(QByteArray)", wire::pack(png.data()));
+}
+
+void ScreenService::onWindows(const QByteArray &arguments)
+{
+    QCString channel;
+    if (!wire::unpack(arguments, channel))
+        return;
+    QJsonArray windows;
+    for (const QWSWindow *window : QWSServer::instance()->clientWindows())
+        windows.append(describe(*window));
+    answer(channel, "windows(QByteArray)", wire::pack(QJsonDocument(windows).toJson(QJsonDocument::Compact)));
+}
+
+void ScreenService::onKey(const QByteArray &arguments)
+{
+    QCString channel;
+    qint32 unicode = 0;
+    qint32 keycode = 0;
+    qint32 modifiers = 0;
+    if (!wire::unpack(arguments, channel, unicode, keycode, modifiers))
+        return;
+    pressAndRelease(unicode, keycode, modifiers);
+    answer(channel, "done()");
+}
+
+void ScreenService::onText(const QByteArray &arguments)
+{
+    QCString channel;
+    QString text;
+    if (!wire::unpack(arguments, channel, text))
+        return;
+    for (const uint character : text.toUcs4())
+        pressAndRelease(int(character), character == '\n' ? Qt::Key_Return : int(QChar::toUpper(character)), 0);
+    answer(channel, "done()");
+}
+
+void ScreenService::onPointer(const QByteArray &arguments)
+{
+    QCString channel;
+    qint32 x = 0;
+    qint32 y = 0;
+    qint32 buttons = 0;
+    if (!wire::unpack(arguments, channel, x, y, buttons))
+        return;
+    QWSServer::sendMouseEvent(QPoint(x, y), Qt::MouseButtons(QFlag(buttons)));
+    answer(channel, "done()");
+}

@@ -1,0 +1,27 @@
+// Lets tools look at the screen and use it: the channel "TYX/Screen" (docs/messages.md lists its messages).
+#pragma once
+
+#include "platform/bus/qcopchannel.h"
+
+#include <QObject>
+
+// One in the GUI server. Every request begins with the channel that its answer goes to; a request that cannot be read
+// is not answered.
+class ScreenService : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ScreenService(QObject *parent = nullptr);
+
+    // One a message; each ends with an answer.
+    void onShot(const QByteArray &arguments);
+    void onWindows(const QByteArray &arguments);
+    void onKey(const QByteArray &arguments);
+    void onText(const QByteArray &arguments);
+    void onPointer(const QByteArray &arguments);
+
+private:
+    void receive(const QCString &message, const QByteArray &arguments);
+
+    QCopChannel m_channel;
+};
