@@ -1,0 +1,59 @@
+// Draws with the pen; any key clears the page.
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QWidget>
+#include <ZApplication>
+
+namespace {
+
+class Page : public QWidget {
+public:
+    Page()
+    {
+        setWindowTitle(QStringLiteral("Doodle"));
+        setAttribute(Qt::WA_OpaquePaintEvent);
+    }
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override { m_strokes.moveTo(event->position()); }
+
+    void mouseMoveEvent(QMouseEvent *event) override
+    {
+        m_strokes.lineTo(event->position());
+        update();
+    }
+
+    void keyPressEvent(QKeyEvent * /*event*/) override
+    {
+        m_strokes.clear();
+        update();
+    }
+
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.fillRect(rect(), QColor(0xfffdf6e3));
+        painter.setPen(QColor(0xffb8b09a));
+        if (m_strokes.isEmpty())
+            painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("Draw here"));
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(QColor(0xff1b6b93), 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPath(m_strokes);
+    }
+
+private:
+    QPainterPath m_strokes;
+};
+
+}
+
+int main(int argc, char **argv)
+{
+    ZApplication app(argc, argv);
+    Page page;
+    app.setMainWidget(&page);
+    page.show();
+    return ZApplication::exec();
+}

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Builds and starts a phone in a sandbox, with its applications: run.sh [--headless] [--refresh-pictures]
+# With a display it opens a window, until that is closed. Without one, or with --headless, it plays a short scripted
+# session, saves pictures of it, and ends; the exit status tells whether everything happened as it should.
+# --refresh-pictures copies those of the README into docs/pictures, to be committed.
+. "$(dirname "$0")/common.sh"
+
+headless=false refresh=false
+[ -n "${DISPLAY:-}" ] || headless=true
+for option in "$@"; do
+  case $option in
+    --headless) headless=true ;;
+    --refresh-pictures) headless=true refresh=true ;;
+    -h | --help) sed -n '2,6s/^# //p' "$0"; exit 0 ;;
+    *) echo "run.sh: unknown option $option (see run.sh --help)" >&2; exit 2 ;;
+  esac
+done
+
+ensure_packages "${build_packages[@]}" "${phone_packages[@]}"
+build release phone
+
+phone=$project/build/phone
+mkdir -p "$phone/setup" "$phone/pictures"
+echo "$project/build/release/bin" > "$phone/path"
+# One phone a folder: its settings must not have two writers.
+exec 8> "$phone/lock"
+flock -n 8 || die "a phone is already running from this folder (its pid: $(sed -n 's/.*"child-pid": *//p' "$phone/info.json"))"
+trap 'rm -f "$phone/info.json"' EXIT
+
+start() { # SCRIPT: runs it inside, where its folders are
+  PATH="$project/build/release/bin:$PATH" "$project/scripts/sandbox" --rw "$phone" --setup "$phone/setup" \
+    --info-fd 7 -- "$project/scripts/$1" "$phone/pictures" 7> "$phone/info.json" 8>&-
+}
+
+if ! $headless; then
+  say "starting the phone: close its window to stop it, tap its status bar to see the next application"
+  echo "try: scripts/in-phone tyx bus send TYX/Application/hello greet"
+  start phone-desktop
+  exit
+fi
+
+say "playing the session"
+rm -f "$phone"/pictures/*.png
+start phone-session
+echo "pictures: $phone/pictures"
+if $refresh; then
+  mkdir -p "$project/docs/pictures"
+  cp "$phone"/pictures/{1-start,3-menu,5-doodle}.png "$project/docs/pictures/"
+  echo "copied into docs/pictures: look at them, then commit"
+fi
