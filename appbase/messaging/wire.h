@@ -4,6 +4,7 @@
 // else is QDataStream's form of version Qt_2_1 (big-endian). No other file makes a QDataStream.
 #pragma once
 
+#include "platform/tyxexport.h"
 #include "platform/values/qcstring.h"
 #include "platform/values/qvaluelist.h"
 

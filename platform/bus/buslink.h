@@ -1,13 +1,12 @@
 // A client's connection to the broker: greets, writes frames, hands out the frames that come.
 //
-// For the process's one client, and for tools that ask what no application asks. A frame's views are valid during the
+// For the one client of a process, and for tools. A frame's views are valid during the
 // call that hands it out.
 #pragma once
 
 #include "platform/bus/busframe.h"
 #include "platform/bus/bussendbuffer.h"
 #include "platform/system/fd.h"
-#include "platform/tyxexport.h"
 
 #include <chrono>
 #include <functional>
@@ -15,7 +14,7 @@
 
 namespace platform::bus {
 
-class TYX_EXPORT BusLink {
+class BusLink {
 public:
     // Connects and writes the greeting. The broker's answer is not waited for: frames may follow at once.
     static Result<std::unique_ptr<BusLink>> open(const QByteArray &path);

@@ -12,6 +12,7 @@ int main(int argc, char **argv)
     app.footer("Exit status: 0 done, 1 answered no, 2 wrong usage, 3 failed.");
     int exit = tyx::Done;
     tyx::addScreen(app, exit);
+    tyx::addBus(app, exit);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

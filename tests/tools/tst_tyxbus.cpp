@@ -1,0 +1,181 @@
+#include <QCopChannel>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "platform/bus/busbroker.h"
+
+using platform::BusBroker;
+
+// The program as it is typed, against a broker in this process.
+class TstTyxBus : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { m_broker.reset(); }
+    void sendWritesTheArgumentsAsTheyAreTyped_data();
+    void sendWritesTheArgumentsAsTheyAreTyped();
+    void listNamesChannelsAndProcesses();
+    void monitorShowsWhatOthersSend();
+    void waitEndsWhenTheChannelAppearsOrInTime();
+    void withoutServerTheCureIsNamed_data();
+    void withoutServerTheCureIsNamed();
+
+private:
+    struct Outcome {
+        int exit;
+        QByteArray out;
+        QByteArray err;
+    };
+    static Outcome finish(QProcess &tyx);
+    static Outcome run(const QStringList &arguments);
+
+    std::unique_ptr<BusBroker> m_broker;
+};
+
+namespace {
+
+const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
+
+void start(QProcess &tyx, const QString &subCommand, const QStringList &arguments = {})
+{
+    tyx.start(kTyx, QStringList{QStringLiteral("bus"), subCommand} + arguments);
+}
+
+QStringList words(const char *text) { return QString::fromLatin1(text).split(u' '); }
+
+}
+
+void TstTyxBus::init()
+{
+    auto broker = BusBroker::listen();
+    QVERIFY(broker);
+    m_broker = std::move(*broker);
+}
+
+// The broker works from this event loop meanwhile.
+TstTyxBus::Outcome TstTyxBus::finish(QProcess &tyx)
+{
+    if (!QTest::qWaitFor([&] { return tyx.state() == QProcess::NotRunning; }, 20'000))
+        return {-1, "(does not end)", {}};
+    return {tyx.exitCode(), tyx.readAllStandardOutput(), tyx.readAllStandardError()};
+}
+
+TstTyxBus::Outcome TstTyxBus::run(const QStringList &arguments)
+{
+    QProcess tyx;
+    tyx.start(kTyx, QStringList{QStringLiteral("bus")} + arguments);
+    return finish(tyx);
+}
+
+void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exit");
+    QTest::addColumn<QByteArray>("data"); // or part of the error
+    QTest::newRow("none") << QStringList() << 0 << QByteArray();
+    QTest::newRow("hex") << words("--hex 00fF") << 0 << QByteArray("00ff");
+    QTest::newRow("half a byte") << words("--hex 0ff") << 2 << QByteArray("not pairs of hexadecimal digits");
+    QTest::newRow("numbers") << words("int:-2 uint:0x10 bool:true") << 0 << QByteArray("fffffffe0000001000000001");
+    QTest::newRow("texts") << words("qstring:a: qcstring:") << 0 << QByteArray("000000040061003a0000000100");
+    QTest::newRow("bytes") << words("bytes:0102 raw:0102") << 0 << QByteArray("0000000201020102");
+    QTest::newRow("uuid") << words("uuid:{01234567-89ab-cdef-0123-456789abcdef}") << 0
+                          << QByteArray("0123456789abcdef0123456789abcdef");
+    QTest::newRow("no type") << words("3") << 2 << QByteArray("argument \"3\" has no type");
+    QTest::newRow("no number") << words("int:3x") << 2 << QByteArray("argument \"int:3x\" should be a whole number");
+    QTest::newRow("too large") << words("int:2147483648") << 2 << QByteArray("should be a whole number of 32 bits");
+    QTest::newRow("no bool") << words("bool:yes") << 2 << QByteArray("should be 1, 0, true or false");
+    QTest::newRow("no uuid") << words("uuid:1234") << 2 << QByteArray("should be an identifier like");
+}
+
+void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exit);
+    QFETCH(QByteArray, data);
+    QCopChannel channel("TYX/System");
+    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Outcome sent = run(words("send TYX/System m()") + arguments);
+    QCOMPARE(sent.exit, exit);
+    if (exit != 0) {
+        QVERIFY2(sent.err.startsWith("tyx: ") && sent.err.contains(data), sent.err.constData());
+        QCOMPARE(sent.err.count('\n'), 1);
+        return;
+    }
+    QTRY_COMPARE(spy.size(), 1);
+    QCOMPARE(spy[0][0].value<QCString>(), "m()");
+    QCOMPARE(spy[0][1].toByteArray().toHex(), data);
+}
+
+void TstTyxBus::listNamesChannelsAndProcesses()
+{
+    const QCopChannel first("TYX/System");
+    const QCopChannel second("a\x1b[31m");
+    const Outcome text = run(words("list"));
+    const QByteArray pid = QByteArray::number(QCoreApplication::applicationPid());
+    QCOMPARE(text.exit, 0);
+    QCOMPARE(text.out.simplified(), pid + " TYX/System " + pid + " a?[31m");
+    const QJsonArray array = QJsonDocument::fromJson(run(words("list --json")).out).array();
+    QCOMPARE(array.size(), 2);
+    QCOMPARE(array[0][u"channel"].toString(), QStringLiteral("TYX/System"));
+    QCOMPARE(array[0][u"pid"].toInteger(), QCoreApplication::applicationPid());
+}
+
+void TstTyxBus::monitorShowsWhatOthersSend()
+{
+    QProcess text;
+    QProcess asJson;
+    start(text, QStringLiteral("monitor"), words("--count 1 nobody/has/it"));
+    start(asJson, QStringLiteral("monitor"), words("--count 2 --json"));
+    const auto ended = [&] { return text.state() == QProcess::NotRunning && asJson.state() == QProcess::NotRunning; };
+    QVERIFY(QTest::qWaitFor(
+        [&] { // until both have begun to look
+            QCopChannel::send("other", "m()", "x");
+            QCopChannel::send("nobody/has/it", "n", QByteArray("\0\xFF", 2));
+            return ended();
+        },
+        20'000));
+    const QByteArray pid = QByteArray::number(QCoreApplication::applicationPid());
+    QCOMPARE(text.readAllStandardOutput(), pid + "  nobody/has/it  n  2  00 ff\n");
+    const QList<QByteArray> objects = asJson.readAllStandardOutput().trimmed().split('\n');
+    QCOMPARE(objects.size(), 2);
+    const QJsonObject last = QJsonDocument::fromJson(objects[1]).object();
+    QCOMPARE(last[u"size"].toInteger() + last[u"data"].toString().size(), 3 * last[u"size"].toInteger());
+}
+
+void TstTyxBus::waitEndsWhenTheChannelAppearsOrInTime()
+{
+    QCOMPARE(run(words("wait c --timeout 0")).exit, 1);
+    QProcess waiting;
+    start(waiting, QStringLiteral("wait"), words("c"));
+    QVERIFY(waiting.waitForStarted());
+    const QCopChannel channel("c");
+    QCOMPARE(finish(waiting).exit, 0);
+}
+
+void TstTyxBus::withoutServerTheCureIsNamed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("send") << words("send c m");
+    QTest::newRow("monitor") << words("monitor");
+    QTest::newRow("list") << words("list");
+    QTest::newRow("wait") << words("wait c --timeout 0");
+}
+
+void TstTyxBus::withoutServerTheCureIsNamed()
+{
+    m_broker.reset();
+    QFETCH(QStringList, arguments);
+    const Outcome outcome = run(arguments);
+    QCOMPARE(outcome.exit, 3);
+    QCOMPARE(outcome.out, QByteArray());
+    QCOMPARE(outcome.err,
+        QByteArray("tyx: no phone is running: nothing listens at /tmp/run/tyx-bus; start it with tyx-guiserver\n"));
+}
+
+QTEST_GUILESS_MAIN(TstTyxBus)
+#include "tst_tyxbus.moc"
