@@ -13,7 +13,8 @@ using platform::failed;
 
 namespace {
 
-// The size is a hint: the file may grow or shrink meanwhile, and some file systems do not know it.
+// The size is a hint: the file may grow or shrink meanwhile, and some file systems do not know it. There is room for a
+// byte more, so that a file of just that size needs no second call.
 platform::Result<QByteArray> readToEnd(int fd, qint64 sizeHint)
 {
     QByteArray bytes(sizeHint + 1, Qt::Uninitialized);
@@ -25,7 +26,7 @@ platform::Result<QByteArray> readToEnd(int fd, qint64 sizeHint)
         if (count < 0)
             return failed("read");
         filled += count;
-        if (count == 0)
+        if (count == 0 || filled == sizeHint)
             break;
         if (filled > kMaxFileBytes)
             return failed("read", EFBIG);

@@ -23,17 +23,33 @@ template <typename Item> void sortKeepingLast(std::vector<Item> &items, QString 
     items.erase(items.begin(), kept.base());
 }
 
-template <typename Items, typename Item> auto position(Items &items, QString Item::*name, QStringView wanted)
+struct Place {
+    qsizetype index = 0; // of the item, or of the one it would stand before
+    bool found = false;
+};
+
+template <typename Item> Place search(const std::vector<Item> &items, QString Item::*name, QStringView wanted)
 {
-    return std::ranges::lower_bound(
-        items, wanted, std::less<>(), [name](const Item &i) { return QStringView(i.*name); });
+    qsizetype low = 0;
+    qsizetype high = qsizetype(items.size());
+    while (low < high) {
+        const qsizetype middle = (low + high) / 2;
+        const int order = QStringView(items[size_t(middle)].*name).compare(wanted);
+        if (order == 0)
+            return {middle, true};
+        if (order < 0)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return {low, false};
 }
 
 }
 
 Line parseLine(QStringView line)
 {
-    line = line.trimmed();
+    line = stripped(line);
     if (line.isEmpty())
         return {};
     if (line.front() == u'[') {
@@ -42,10 +58,10 @@ Line parseLine(QStringView line)
             line.chop(1);
         return {Line::Kind::Header, line, {}};
     }
-    const qsizetype equals = line.indexOf(u'=');
-    if (equals < 0)
+    const auto equals = std::find(line.begin(), line.end(), u'='); // keys are short: this beats a vector search
+    if (equals == line.end())
         return {Line::Kind::Stray, line, {}};
-    return {Line::Kind::Entry, line.first(equals).trimmed(), line.sliced(equals + 1).trimmed()};
+    return {Line::Kind::Entry, {line.begin(), equals}, {equals + 1, line.end()}};
 }
 
 QStringView LineReader::takeLine()
@@ -83,12 +99,12 @@ Answer lookUp(QStringView text, QStringView group, QStringView key)
     while (reader.next()) {
         const Line &line = reader.line();
         if (line.kind == Line::Kind::Header) {
-            inside = line.name == group;
+            inside = line.left == group;
             // Promised: a second header of the same name discards what stood under the first.
             if (inside)
                 answer = {true, {}};
-        } else if (inside && line.name == key) {
-            answer.value = line.value;
+        } else if (inside && line.key() == key) {
+            answer.value = line.value();
         }
     }
     return answer;
@@ -96,26 +112,24 @@ Answer lookUp(QStringView text, QStringView group, QStringView key)
 
 const Entry *Group::find(QStringView key) const
 {
-    const auto at = position(entries, &Entry::key, key);
-    return at != entries.end() && at->key == key ? &*at : nullptr;
+    const Place place = search(entries, &Entry::key, key);
+    return place.found ? &entries[size_t(place.index)] : nullptr;
 }
 
 void Group::set(const QString &key, const QString &value)
 {
-    const auto at = position(entries, &Entry::key, key);
-    if (at != entries.end() && at->key == key)
-        at->value = value;
+    const Place place = search(entries, &Entry::key, key);
+    if (place.found)
+        entries[size_t(place.index)].value = value;
     else
-        entries.insert(at, {key, value});
+        entries.insert(entries.begin() + place.index, {key, value});
 }
 
-bool Group::remove(QStringView key)
+void Group::remove(QStringView key)
 {
-    const auto at = position(entries, &Entry::key, key);
-    if (at == entries.end() || at->key != key)
-        return false;
-    entries.erase(at);
-    return true;
+    const Place place = search(entries, &Entry::key, key);
+    if (place.found)
+        entries.erase(entries.begin() + place.index);
 }
 
 ConfigText::ConfigText(const QString &text) : m_text(text)
@@ -133,9 +147,9 @@ ConfigText::ConfigText(const QString &text) : m_text(text)
         const Line &line = reader.line();
         if (line.kind == Line::Kind::Header) {
             endGroup();
-            m_groups.push_back({viewed(line.name), {}});
+            m_groups.push_back({viewed(line.left), {}});
         } else {
-            entries.push_back({viewed(line.name), viewed(line.value)});
+            entries.push_back({viewed(line.key()), viewed(line.value())});
         }
     }
     endGroup();
@@ -157,23 +171,23 @@ QByteArray ConfigText::format() const
 
 Group *ConfigText::find(QStringView name)
 {
-    const auto at = position(m_groups, &Group::name, name);
-    return at != m_groups.end() && at->name == name ? &*at : nullptr;
+    const Place place = search(m_groups, &Group::name, name);
+    return place.found ? &m_groups[size_t(place.index)] : nullptr;
 }
 
 Group &ConfigText::ensure(const QString &name)
 {
-    const auto at = position(m_groups, &Group::name, name);
-    if (at != m_groups.end() && at->name == name)
-        return *at;
-    return *m_groups.insert(at, {name, {}});
+    const Place place = search(m_groups, &Group::name, name);
+    if (!place.found)
+        m_groups.insert(m_groups.begin() + place.index, {name, {}});
+    return m_groups[size_t(place.index)];
 }
 
 void ConfigText::remove(QStringView name)
 {
-    const auto at = position(m_groups, &Group::name, name);
-    if (at != m_groups.end() && at->name == name)
-        m_groups.erase(at);
+    const Place place = search(m_groups, &Group::name, name);
+    if (place.found)
+        m_groups.erase(m_groups.begin() + place.index);
 }
 
 }

@@ -8,13 +8,28 @@
 
 namespace config {
 
+// QString::trimmed(), at hand for lines that need none: most of them.
+inline QStringView stripped(QStringView text)
+{
+    const QChar *begin = text.begin();
+    const QChar *end = text.end();
+    while (begin != end && begin->isSpace())
+        ++begin;
+    while (begin != end && end[-1].isSpace())
+        --end;
+    return {begin, end};
+}
+
 // One line of a configuration file, taken apart. All views point into the text it was read from.
 struct Line {
     enum class Kind { Blank, Header, Entry, Stray };
 
+    [[nodiscard]] QStringView key() const { return stripped(left); }
+    [[nodiscard]] QStringView value() const { return stripped(right); } // never null
+
     Kind kind = Kind::Blank;
-    QStringView name; // the group's name or the key
-    QStringView value; // of an entry; never null there
+    QStringView left; // the group's name, or what stands before the sign
+    QStringView right; // what stands behind it
 };
 Line parseLine(QStringView line);
 
@@ -59,7 +74,7 @@ struct Group {
 
     [[nodiscard]] const Entry *find(QStringView key) const;
     void set(const QString &key, const QString &value);
-    bool remove(QStringView key); // whether it was there
+    void remove(QStringView key);
 };
 
 // All of a configuration. Strings that came from the text are views of it in QString's clothes: a copy that is handed

@@ -51,7 +51,9 @@ private:
     void read();
     std::optional<QStringView> firstAnswer(const QString &group, const QString &key);
     ConfigText &whole();
-    config::Group *currentGroup() { return m_hasGroup ? whole().find(m_groupName) : nullptr; }
+    config::Group *currentGroup();
+    void enter(const QString &group, config::Group *found);
+    void leave();
     bool isOther(const QString &group) const { return !group.isEmpty() && group != m_groupName; }
     void changed();
     void openToEveryone() const;
@@ -64,6 +66,7 @@ private:
     int m_changes = 0;
     QString m_groupName; // the last one that was named, even if there is no current group
     bool m_hasGroup = false; // whether m_groupName is current, and then it exists
+    config::Group *m_current = nullptr; // the current group once it has been looked for
     bool writeThrough;
 };
 
@@ -72,7 +75,7 @@ void ZConfigData::read()
     dirty = false;
     if (const auto bytes = config::readFile(fileName))
         m_text = config::decoded(*bytes);
-    m_hasGroup = false;
+    leave();
 }
 
 ConfigText &ZConfigData::whole()
@@ -88,16 +91,36 @@ void ZConfigData::changed()
     ++m_changes;
 }
 
+config::Group *ZConfigData::currentGroup()
+{
+    if (m_hasGroup && !m_current)
+        m_current = whole().find(m_groupName);
+    return m_current;
+}
+
+void ZConfigData::enter(const QString &group, config::Group *found)
+{
+    m_groupName = group;
+    m_hasGroup = true;
+    m_current = found;
+}
+
+void ZConfigData::leave()
+{
+    m_hasGroup = false;
+    m_current = nullptr;
+}
+
 void ZConfigData::setGroup(const QString &group)
 {
     if (group.isEmpty())
         return;
-    if (!whole().find(group)) {
-        whole().ensure(group);
+    config::Group *found = whole().find(group);
+    if (!found) {
+        found = &whole().ensure(group);
         changed();
     }
-    m_groupName = group;
-    m_hasGroup = true;
+    enter(group, found);
 }
 
 bool ZConfigData::enterForChange(const QString &group)
@@ -111,10 +134,8 @@ std::optional<QStringView> ZConfigData::firstAnswer(const QString &group, const 
 {
     m_asked = true;
     const config::Answer answer = config::lookUp(m_text, group, key);
-    if (answer.groupExists) {
-        m_groupName = group;
-        m_hasGroup = true;
-    }
+    if (answer.groupExists)
+        enter(group, nullptr);
     return answer.value.isNull() ? std::nullopt : std::optional(answer.value);
 }
 
@@ -123,10 +144,10 @@ std::optional<QStringView> ZConfigData::value(const QString &group, const QStrin
     if (isOther(group)) {
         if (!m_asked && !m_whole)
             return firstAnswer(group, key);
-        if (!whole().find(group))
+        config::Group *found = whole().find(group);
+        if (!found)
             return std::nullopt;
-        m_groupName = group;
-        m_hasGroup = true;
+        enter(group, found);
     }
     const config::Group *current = currentGroup();
     const config::Entry *entry = current ? current->find(key) : nullptr;
@@ -157,7 +178,7 @@ void ZConfigData::clearCurrentGroup()
     if (currentGroup()->entries.empty())
         return;
     whole().remove(m_groupName);
-    m_hasGroup = false;
+    leave();
     changed();
 }
 
@@ -191,7 +212,7 @@ bool ZConfigData::save()
 {
     auto file = platform::FileReplacement::begin(fileName, kFileMode);
     if (!file) {
-        m_hasGroup = false;
+        leave();
         return false;
     }
     const QByteArray text = whole().format();
