@@ -1,5 +1,8 @@
 // The text form of a configuration: one tokenizer, and the sorted store that the whole of a text becomes.
+// Not installed; what is exported is for the tools.
 #pragma once
+
+#include "platform/tyxexport.h"
 
 #include <QByteArray>
 #include <QString>
@@ -60,7 +63,7 @@ struct Answer {
     bool groupExists = false;
     QStringView value; // null when the key is absent; else a view of the text
 };
-Answer lookUp(QStringView text, QStringView group, QStringView key);
+TYX_EXPORT Answer lookUp(QStringView text, QStringView group, QStringView key);
 
 struct Entry {
     QString key;
@@ -68,7 +71,7 @@ struct Entry {
 };
 
 // Ordered by key, each key once; all orders are by UTF-16 code units.
-struct Group {
+struct TYX_EXPORT Group {
     QString name;
     std::vector<Entry> entries;
 
@@ -79,7 +82,7 @@ struct Group {
 
 // All of a configuration. Strings that came from the text are views of it in QString's clothes: a copy that is handed
 // out has to be a deep one (see copied()).
-class ConfigText {
+class TYX_EXPORT ConfigText {
 public:
     ConfigText() = default;
     explicit ConfigText(const QString &text); // the part of it before reading stops

@@ -24,5 +24,6 @@ void printJson(const QJsonDocument &document);
 // Each lives in the file of its name; `exit` outlives the parse.
 void addScreen(CLI::App &app, int &exit);
 void addBus(CLI::App &app, int &exit);
+void addConfig(CLI::App &app, int &exit);
 
 }

@@ -13,6 +13,7 @@ int main(int argc, char **argv)
     int exit = tyx::Done;
     tyx::addScreen(app, exit);
     tyx::addBus(app, exit);
+    tyx::addConfig(app, exit);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -1,0 +1,217 @@
+// The real program on real files: `tyx config`.
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kFile = QStringLiteral("t.cfg");
+
+struct Outcome {
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+Outcome tyx(const QStringList &arguments)
+{
+    QProcess program;
+    program.start(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), QStringList{u"config"_s} + arguments);
+    program.waitForFinished();
+    return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1, program.readAllStandardOutput(),
+        program.readAllStandardError()};
+}
+
+QByteArray content()
+{
+    QFile file(kFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+}
+
+void fill(const QByteArray &bytes)
+{
+    QFile file(kFile);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+}
+
+class TstTyxConfig : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void answers_data();
+    void answers();
+    void changes_data();
+    void changes();
+    void checks_data();
+    void checks();
+    void printsJson();
+    void unreadableFilesFail_data();
+    void unreadableFilesFail();
+    void aSaveThatDidNotHappenIsNoticed();
+};
+
+void TstTyxConfig::answers_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("out");
+    const auto row = [](const char *name, const QStringList &arguments, int status, const char *out) {
+        QTest::newRow(name) << arguments << status << QByteArray(out);
+    };
+    row("a value", {u"get"_s, kFile, u"A"_s, u"k"_s}, 0, "a value\n");
+    row("an empty value", {u"get"_s, kFile, u"A"_s, u"empty"_s, u"--default"_s, u"d"_s}, 0, "\n");
+    row("no key", {u"get"_s, kFile, u"A"_s, u"none"_s}, 1, "");
+    row("no group", {u"get"_s, kFile, u"none"_s, u"k"_s}, 1, "");
+    row("a default", {u"get"_s, kFile, u"A"_s, u"none"_s, u"--default"_s, u"d"_s}, 0, "d\n");
+    row("a default of no file", {u"get"_s, u"none.cfg"_s, u"A"_s, u"none"_s, u"--default"_s, u"d"_s}, 0, "d\n");
+    row("everything", {u"list"_s, kFile}, 0, "[A]\nempty = \nk = a value\n[B]\n");
+    row("a group", {u"list"_s, kFile, u"B"_s}, 0, "[B]\n");
+    row("a group that is not there", {u"list"_s, kFile, u"C"_s}, 1, "");
+    row("no key named", {u"get"_s, kFile, u"A"_s}, 2, "");
+    row("no such action", {u"frobnicate"_s}, 2, "");
+}
+
+void TstTyxConfig::answers()
+{
+    QFETCH(QStringList, arguments);
+    fill("[B]\n[A]\nk=a value\nempty=\n");
+    const Outcome outcome = tyx(arguments);
+    QTEST(outcome.status, "status");
+    QTEST(outcome.out, "out");
+    QCOMPARE(outcome.err.isEmpty(), outcome.status == 0);
+}
+
+void TstTyxConfig::changes_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QStringList>("arguments"); // FILE is put in after the first
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("after");
+    const auto row = [](const char *name, const char *before, const QStringList &arguments, int status,
+                         const char *after) {
+        QTest::newRow(name) << QByteArray(before) << arguments << status << QByteArray(after);
+    };
+    const char *const old = "[G]\na = 1\nb = 2\n";
+    row("set", old, {u"set"_s, u"G"_s, u"a"_s, u"x = y"_s}, 0, "[G]\na = x = y\nb = 2\n");
+    row("set in a new group", "", {u"set"_s, u"\u00fc"_s, u"a"_s, u""_s}, 0, "[\xC3\xBC]\na = \n");
+    row("a negative number", "", {u"set"_s, u"G"_s, u"a"_s, u"-5"_s}, 0, "[G]\na = -5\n");
+    row("remove a key", old, {u"remove"_s, u"G"_s, u"a"_s}, 0, "[G]\nb = 2\n");
+    row("remove a group", old, {u"remove"_s, u"G"_s}, 0, "");
+    row("remove an empty group", "[G]\n[H]\n", {u"remove"_s, u"G"_s}, 0, "[H]\n");
+    row("nothing to remove", "[G]\nz=1\na=1", {u"remove"_s, u"G"_s, u"c"_s}, 1, "[G]\nz=1\na=1");
+    row("no group to remove", "[G]\nz=1\na=1", {u"remove"_s, u"H"_s}, 1, "[G]\nz=1\na=1");
+    // What would not come back as it was given is refused.
+    row("a line break", old, {u"set"_s, u"G"_s, u"a"_s, u"1\n[H]"_s}, 2, old);
+    row("a line break in the group", old, {u"set"_s, u"G\n"_s, u"a"_s, u"1"_s}, 2, old);
+    row("a padded value", old, {u"set"_s, u"G"_s, u"a"_s, u"1 "_s}, 2, old);
+    row("a padded key", old, {u"set"_s, u"G"_s, u" a"_s, u"1"_s}, 2, old);
+    row("a key with a sign", old, {u"set"_s, u"G"_s, u"a=b"_s, u"1"_s}, 2, old);
+    row("a key like a header", old, {u"set"_s, u"G"_s, u"[a"_s, u"1"_s}, 2, old);
+    row("no group", old, {u"set"_s, u""_s, u"a"_s, u"1"_s}, 2, old);
+    // What stands behind a stray line is not lost in passing.
+    row("a stray line", "[G]\na=1\nstray\nb=2\n", {u"set"_s, u"G"_s, u"c"_s, u"3"_s}, 3, "[G]\na=1\nstray\nb=2\n");
+    row("a stray line, by force", "[G]\na=1\nstray\nb=2\n", {u"set"_s, u"G"_s, u"c"_s, u"3"_s, u"--force"_s}, 0,
+        "[G]\na = 1\nc = 3\n");
+}
+
+void TstTyxConfig::changes()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QStringList, arguments);
+    fill(before);
+    arguments.insert(1, kFile);
+    const Outcome outcome = tyx(arguments);
+    QTEST(outcome.status, "status");
+    QTEST(content(), "after");
+    QCOMPARE(outcome.err.count('\n'), outcome.status == 0 ? 0 : 1);
+}
+
+void TstTyxConfig::checks_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("remark"); // the beginning of the only line that is printed
+    QTest::addColumn<int>("status");
+    const auto row = [](const char *name, const QByteArray &bytes, const char *remark, int status) {
+        QTest::newRow(name) << bytes << QByteArray(remark) << status;
+    };
+    row("sound", "\n[G]\n a =\n", "", 0);
+    row("stray", "[G]\n\na=1\njunk\nb\n", "t.cfg:4: no '=' in this line; reading stops here", 1);
+    row("no header", "\na=1\n", "t.cfg:2: no [group] before this line; reading stops here", 1);
+    row("the same group", "[G]\n[H]\n[G]\n", "t.cfg:3: group [G] was in line 1 already", 1);
+    row("the same key", "[G]\na=1\nb=1\na=1\n", "t.cfg:4: key 'a' was in line 2 already", 1);
+    row("the same key elsewhere", "[G]\na=1\n[H]\na=1\n", "", 0);
+    row("not UTF-8", "[G]\na=\xFC\n", "t.cfg:2: this line is not UTF-8", 1);
+    row("behind the end", "[G]\nstray\na=\xFC\n", "t.cfg:2: no '=' in this line", 1);
+    row("NUL", QByteArray("[G]\na=\0\n", 8), "t.cfg:2: a NUL character", 1);
+    row("carriage return", "[G]\r\n", "t.cfg:1: a carriage return ends this line", 0);
+    row("carriage returns only", "[G]\ra=1\rb=1\r", "t.cfg:1: a carriage return", 1);
+    row("byte order mark", "\xEF\xBB\xBF[G]\n", "t.cfg:1: a byte order mark", 0);
+}
+
+void TstTyxConfig::checks()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, remark);
+    fill(bytes);
+    const Outcome outcome = tyx({u"check"_s, kFile});
+    QTEST(outcome.status, "status");
+    QVERIFY2(outcome.out.startsWith(remark), outcome.out.constData());
+    QCOMPARE(outcome.out.isEmpty(), remark.isEmpty());
+    QCOMPARE(content(), bytes);
+}
+
+void TstTyxConfig::printsJson()
+{
+    fill("[G]\na=\"x\"\n[H]\nstray\n");
+    const auto json = [](const QStringList &arguments) {
+        return QJsonDocument::fromJson(tyx(arguments + QStringList{u"--json"_s}).out);
+    };
+    QCOMPARE(json({u"get"_s, kFile, u"G"_s, u"a"_s})[u"value"].toString(), u"\"x\""_s);
+    QCOMPARE(json({u"list"_s, kFile})[u"G"][u"a"].toString(), u"\"x\""_s);
+    QCOMPARE(json({u"list"_s, kFile}).object().keys(), QStringList({u"G"_s, u"H"_s}));
+    QCOMPARE(json({u"check"_s, kFile})[0][u"line"].toInt(), 4);
+}
+
+void TstTyxConfig::unreadableFilesFail_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("cure");
+    QTest::newRow("missing") << u"none.cfg"_s << QByteArray("check the name");
+    QTest::newRow("a directory") << u"/tmp"_s << QByteArray("name a regular file");
+    QTest::newRow("a FIFO") << u"/dev/keypad0"_s << QByteArray("name a regular file");
+}
+
+void TstTyxConfig::unreadableFilesFail()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, cure);
+    for (const QStringList &arguments :
+        {QStringList{u"get"_s, file, u"G"_s, u"k"_s}, {u"list"_s, file}, {u"check"_s, file}}) {
+        const Outcome outcome = tyx(arguments);
+        QCOMPARE(outcome.status, 3);
+        const QByteArray place = "tyx: " + file.toUtf8() + ": open: ";
+        QVERIFY2(outcome.err.startsWith(place) && outcome.err.contains(cure), outcome.err.constData());
+    }
+}
+
+void TstTyxConfig::aSaveThatDidNotHappenIsNoticed()
+{
+    QVERIFY(QDir().mkdir(kFile + u".new"));
+    fill("[G]\na=1\n");
+    QCOMPARE(tyx({u"set"_s, kFile, u"G"_s, u"a"_s, u"2"_s}).status, 3);
+    QCOMPARE(tyx({u"remove"_s, kFile, u"G"_s, u"a"_s}).status, 3);
+    QCOMPARE(tyx({u"remove"_s, kFile, u"G"_s}).status, 3);
+    QCOMPARE(content(), QByteArray("[G]\na=1\n"));
+    QVERIFY(QDir().rmdir(kFile + u".new"));
+}
+
+QTEST_APPLESS_MAIN(TstTyxConfig)
+#include "tst_tyxconfig.moc"
