@@ -42,6 +42,8 @@ void useScreenOfPhone()
     qputenv("QT_QPA_PLATFORM", "wayland");
     qputenv("WAYLAND_DISPLAY", phonescreen::kSocketName);
     qunsetenv("WAYLAND_SOCKET");
+    qputenv(
+        "QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1"); // or a window takes itself to be at 0,0, and its menus go astray
     qunsetenv("QT_WAYLAND_SHELL_INTEGRATION"); // the server offers one shell, and it is found without being named
 }
 

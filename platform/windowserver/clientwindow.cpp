@@ -73,7 +73,10 @@ bool ClientWindow::place(const Surroundings &surroundings)
     if (!m_shell)
         return false;
     const QRect wanted = m_shell->wanted();
-    const QRect given = ::place({kind(), isFullScreen(), !isVisible(), wanted}, surroundings);
+    // A client tells the size after the flags. Answering earlier would make the window as small as can be.
+    if (wanted.isEmpty() && kind() != WindowKind::Main && !isFullScreen())
+        return false;
+    const QRect given = ::place({kind(), isFullScreen(), !m_shell->knowsItsPlace(), wanted}, surroundings);
     const Answer answer{wanted, given, m_shell->states() & (Qt::WindowFullScreen | Qt::WindowMaximized)};
     const bool granted = m_answer && wanted == given && answer.states == m_answer->states;
     if (!granted && m_answer != answer)

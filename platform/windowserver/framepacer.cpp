@@ -23,7 +23,9 @@ void FramePacer::release()
 {
     for (const ClientWindow *window : m_scene.shown()) {
         QWaylandSurface *surface = window->surface();
-        if (surface && !window->view()->visibleRegion().isEmpty())
+        if (surface && !window->view()->visibleRegion().isEmpty()) {
             surface->sendFrameCallbacks();
+            flushClient(*surface);
+        }
     }
 }

@@ -31,6 +31,8 @@ void Input::follow(ClientWindow *window)
     m_held.reset();
     m_repeatTimer.stop();
     m_seat.setKeyboardFocus(window ? window->surface() : nullptr);
+    if (window && window->surface())
+        flushClient(*window->surface());
     if (window)
         m_screen->setFocus(); // from a widget of the server, which had the keys before
 }
@@ -103,9 +105,9 @@ void Input::deliver(const KeyStroke &stroke)
 
 void Input::deliverTo(QWaylandSurface *surface, const QKeyEvent &event)
 {
-    if (m_keys.send(surface, event) || surface != m_seat.keyboardFocus())
-        return;
-    m_seat.sendKeyEvent(event.key(), event.type() == QEvent::KeyPress); // a client of another toolkit
+    if (!m_keys.send(surface, event) && surface == m_seat.keyboardFocus())
+        m_seat.sendKeyEvent(event.key(), event.type() == QEvent::KeyPress); // a client of another toolkit
+    flushClient(*surface);
 }
 
 // The server's menus, and widgets of its own that were given the focus, come before the clients.

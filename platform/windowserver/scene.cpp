@@ -7,6 +7,7 @@
 #include <QWaylandClient>
 #include <QWaylandSurface>
 #include <algorithm>
+#include <iterator>
 
 Scene::Scene(QWSServer &server, QWidget *screen)
     : m_server(server), m_screen(screen), m_surroundings{screen->rect(), screen->rect()}
@@ -65,6 +66,12 @@ void Scene::windowForgotten(int id)
 void Scene::clientGone(const QWaylandClient *client)
 {
     const auto ofClient = [client](const auto &window) { return window->client() == client; };
+    // Off the stack all at once: the focus must not pass to another window of a client that is no more.
+    QList<ClientWindow *> dying;
+    std::copy_if(m_stack.cbegin(), m_stack.cend(), std::back_inserter(dying), ofClient);
+    m_stack.removeIf(ofClient);
+    for (ClientWindow *window : dying)
+        disappeared(*window);
     for (;;) { // a slot may change the list
         const auto found = std::find_if(m_windows.begin(), m_windows.end(), ofClient);
         if (found == m_windows.end())

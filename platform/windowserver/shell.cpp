@@ -35,6 +35,13 @@ void ShellSurface::configure(const QRect &geometry, Qt::WindowStates states)
     send_resize(serial, geometry.width(), geometry.height());
     send_set_window_state(serial, static_cast<uint32_t>(states.toInt()));
     send_configure(serial);
+    wl_client_flush(resource()->client());
+}
+
+void ShellSurface::requestClose()
+{
+    send_close();
+    wl_client_flush(resource()->client());
 }
 
 void ShellSurface::zqt_shell_surface_v1_destroy_resource(Resource *)
@@ -85,6 +92,8 @@ void ShellSurface::zqt_shell_surface_v1_change_window_state(Resource *, uint32_t
 void ShellSurface::zqt_shell_surface_v1_raise(Resource *) { Q_EMIT raiseRequested(); }
 
 void ShellSurface::zqt_shell_surface_v1_lower(Resource *) { Q_EMIT lowerRequested(); }
+
+void ShellSurface::zqt_shell_surface_v1_ack_configure(Resource *, uint32_t) { m_acknowledged = true; }
 
 Shell::Shell(QWaylandCompositor *compositor) : QWaylandCompositorExtensionTemplate<Shell>(compositor) { }
 

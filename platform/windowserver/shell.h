@@ -21,8 +21,11 @@ public:
     [[nodiscard]] Qt::WindowStates states() const { return m_states; }
     [[nodiscard]] QRect wanted() const { return m_wanted; } // position and size that the client asked for
 
+    // Before, the client's position is no wish of its own: it does not know yet where it was put.
+    [[nodiscard]] bool knowsItsPlace() const { return m_acknowledged; }
+
     void configure(const QRect &geometry, Qt::WindowStates states);
-    void requestClose() { send_close(); }
+    void requestClose();
 
     static QWaylandSurfaceRole *role();
 
@@ -46,6 +49,7 @@ protected:
     void zqt_shell_surface_v1_change_window_state(Resource *resource, uint32_t state) override;
     void zqt_shell_surface_v1_raise(Resource *resource) override;
     void zqt_shell_surface_v1_lower(Resource *resource) override;
+    void zqt_shell_surface_v1_ack_configure(Resource *resource, uint32_t serial) override;
 
 private:
     QPointer<QWaylandSurface> m_surface;
@@ -54,6 +58,7 @@ private:
     Qt::WindowFlags m_flags = Qt::Window;
     Qt::WindowStates m_states;
     QRect m_wanted;
+    bool m_acknowledged = false;
 };
 
 class Shell : public QWaylandCompositorExtensionTemplate<Shell>, public QtWaylandServer::zqt_shell_v1 {

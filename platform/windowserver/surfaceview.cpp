@@ -34,9 +34,23 @@ private:
     wl_shm_buffer *m_buffer;
 };
 
-QWaylandSeat *seatOf(const QWaylandSurface *surface)
+}
+
+void flushClient(const QWaylandSurface &surface)
 {
-    return surface ? surface->compositor()->defaultSeat() : nullptr;
+    if (wl_client *client = surface.waylandClient())
+        wl_client_flush(client);
+}
+
+namespace {
+
+// Calls `send` with the seat, unless the client destroyed the surface meanwhile.
+template <typename Send> void tellPointer(const QWaylandSurface *surface, Send send)
+{
+    if (!surface)
+        return;
+    send(*surface->compositor()->defaultSeat());
+    flushClient(*surface);
 }
 
 }
@@ -104,23 +118,21 @@ void SurfaceView::paintEvent(QPaintEvent *event)
 
 void SurfaceView::movePointer(const QMouseEvent &event)
 {
-    if (QWaylandSeat *seat = seatOf(surface()))
-        seat->sendMouseMoveEvent(&m_view, event.position(), event.scenePosition());
+    tellPointer(surface(),
+        [&](QWaylandSeat &seat) { seat.sendMouseMoveEvent(&m_view, event.position(), event.scenePosition()); });
 }
 
 void SurfaceView::mousePressEvent(QMouseEvent *event)
 {
     movePointer(*event);
     Q_EMIT pressed();
-    if (QWaylandSeat *seat = seatOf(surface()))
-        seat->sendMousePressEvent(event->button());
+    tellPointer(surface(), [event](QWaylandSeat &seat) { seat.sendMousePressEvent(event->button()); });
 }
 
 void SurfaceView::mouseReleaseEvent(QMouseEvent *event)
 {
     movePointer(*event);
-    if (QWaylandSeat *seat = seatOf(surface()))
-        seat->sendMouseReleaseEvent(event->button());
+    tellPointer(surface(), [event](QWaylandSeat &seat) { seat.sendMouseReleaseEvent(event->button()); });
 }
 
 void SurfaceView::mouseDoubleClickEvent(QMouseEvent *event)
@@ -132,12 +144,11 @@ void SurfaceView::mouseMoveEvent(QMouseEvent *event) { movePointer(*event); }
 
 void SurfaceView::wheelEvent(QWheelEvent *event)
 {
-    QWaylandSeat *seat = seatOf(surface());
-    if (!seat)
-        return;
-    seat->sendMouseMoveEvent(&m_view, event->position(), event->globalPosition());
-    if (const int turned = event->angleDelta().y())
-        seat->sendMouseWheelEvent(Qt::Vertical, turned);
-    if (const int turned = event->angleDelta().x())
-        seat->sendMouseWheelEvent(Qt::Horizontal, turned);
+    tellPointer(surface(), [this, event](QWaylandSeat &seat) {
+        seat.sendMouseMoveEvent(&m_view, event->position(), event->globalPosition());
+        if (const int turned = event->angleDelta().y())
+            seat.sendMouseWheelEvent(Qt::Vertical, turned);
+        if (const int turned = event->angleDelta().x())
+            seat.sendMouseWheelEvent(Qt::Horizontal, turned);
+    });
 }

@@ -7,6 +7,9 @@
 class QWaylandOutput;
 class QWaylandSurface;
 
+// Sends what was said to the surface's client now, not only when the event loop goes to sleep.
+void flushClient(const QWaylandSurface &surface);
+
 // Stacking, clipping, damage and the way of the pointer come from the widget; it is hidden while there is nothing to
 // show. Owned by the window that the surface shows; the scene decides where it stands.
 class SurfaceView : public QWidget {
