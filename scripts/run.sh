@@ -19,12 +19,17 @@ done
 ensure_packages "${build_packages[@]}" "${phone_packages[@]}"
 build release phone
 
+# The phone of the desktop keeps its settings here; the session plays on a phone that nobody used before.
 phone=$project/build/phone
+if $headless; then
+  phone=$project/build/session
+  rm -rf "$phone/setup" "$phone/pictures"
+fi
 mkdir -p "$phone/setup" "$phone/pictures"
 echo "$project/build/release/bin" > "$phone/path"
 # One phone a folder: its settings must not have two writers.
 exec 8> "$phone/lock"
-flock -n 8 || die "a phone is already running from this folder (its pid: $(sed -n 's/.*"child-pid": *//p' "$phone/info.json"))"
+flock -n 8 || die "a phone is already running in $phone: stop it first"
 trap 'rm -f "$phone/info.json"' EXIT
 
 start() { # SCRIPT: runs it inside, where its folders are
@@ -40,7 +45,6 @@ if ! $headless; then
 fi
 
 say "playing the session"
-rm -f "$phone"/pictures/*.png
 start phone-session
 echo "pictures: $phone/pictures"
 if $refresh; then
