@@ -17,7 +17,7 @@ using bus::Peer;
 
 namespace {
 
-constexpr qsizetype kReadSize = 64 * 1024;
+constexpr qsizetype kReadSize = 65'536;
 constexpr int kEventsPerWakeUp = 64;
 constexpr auto kAcceptPause = 100ms; // with no descriptors left; others may be closed meanwhile
 
@@ -190,7 +190,7 @@ void BusBroker::Data::expire()
         accepting = watch(EPOLL_CTL_ADD, listener.socket.get(), EPOLLIN, &listener);
     const auto now = Clock::now();
     for (const auto &peer : peers) {
-        if (!peer->deadline || *peer->deadline > now)
+        if (peer->deadline > now)
             continue;
         if (peer->phase == Peer::Phase::Greeting)
             dismiss(*peer, "no greeting in time");
@@ -204,8 +204,8 @@ void BusBroker::Data::armTimer()
 {
     auto next = accepting ? Clock::time_point::max() : Clock::now() + kAcceptPause;
     for (const auto &peer : peers) {
-        if (peer->deadline && peer->phase != Peer::Phase::Gone)
-            next = std::min(next, *peer->deadline);
+        if (peer->phase != Peer::Phase::Gone)
+            next = std::min(next, peer->deadline);
     }
     itimerspec when = {}; // all zero: off
     if (next != Clock::time_point::max()) {

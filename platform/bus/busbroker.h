@@ -22,9 +22,7 @@
 namespace platform {
 
 namespace bus {
-struct Frame;
 struct Message;
-struct Peer;
 }
 
 struct BusOptions {

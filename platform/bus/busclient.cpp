@@ -3,6 +3,8 @@
 #include "platform/bus/busflush.h"
 #include "platform/bus/qcopchannel.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <cstdlib>
 #include <sys/timerfd.h>
 
@@ -54,6 +56,7 @@ void BusClient::add(QCopChannel *channel)
 
 void BusClient::remove(QCopChannel *channel)
 {
+    m_receivers.removeOne(channel);
     const auto sameName = m_channels.find(channel->channel());
     if (sameName == m_channels.end() || !sameName->removeOne(channel) || !sameName->isEmpty())
         return;
@@ -81,11 +84,9 @@ bool BusClient::send(const Message &message)
 
 bool BusClient::sendLocally(const QCString &channel, const QCString &name, const QByteArray &data)
 {
-    QList<QPointer<QCopChannel>> receivers;
-    for (QCopChannel *receiver : m_channels.value(channel))
-        receivers.append(receiver);
-    for (const auto &receiver : std::as_const(receivers)) {
-        if (receiver)
+    const QList<QCopChannel *> receivers = m_channels.value(channel);
+    for (QCopChannel *receiver : receivers) {
+        if (m_channels.value(channel).contains(receiver)) // unless an earlier one deleted it
             receiver->receive(name, data);
     }
     return !receivers.isEmpty();
@@ -100,15 +101,21 @@ bool BusClient::isRegistered(QByteArrayView channel)
     putQuery(frame, {token, channel});
     if (!isChannelName(channel) || !transmit(frame) || !m_link->drain(kAnswerWait))
         return false;
+    return waitForAnswer(token);
+}
+
+bool BusClient::waitForAnswer(quint32 token)
+{
     m_answer.reset();
     for (const auto end = Clock::now() + kAnswerWait; m_link && Clock::now() < end;) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-        if (m_link->waitForInput(left) && !m_link->receive([this](const Frame &received) { onFrame(received); }))
+        if (m_link->waitForInput(left) && !m_link->receive([this](const Frame &frame) { onFrame(frame); }))
             lose();
         if (m_answer && m_answer->token == token)
-            return m_answer->yes;
+            break;
     }
-    return false;
+    wakeUp(); // for messages that came meanwhile
+    return m_answer && m_answer->token == token && m_answer->yes;
 }
 
 void BusClient::flush(std::chrono::milliseconds limit)
@@ -148,9 +155,8 @@ bool BusClient::transmit(QByteArrayView frame)
 
 bool BusClient::write(QByteArrayView frame)
 {
-    // Nobody reads for us: wait a while, then give up this frame rather than grow without end.
-    if (m_link->backlog() + frame.size() > kMaxBacklog && !m_link->drain(kAnswerWait, kMaxBacklog - frame.size()))
-        return false;
+    if (m_link->backlog() + frame.size() > kMaxBacklog)
+        return false; // the broker is stuck: give up this frame rather than grow without end
     m_link->tail().append(frame);
     auto state = m_link->flush();
     // The broker reads fast: waiting for it lets a burst survive an _exit() right behind it. Once it was found stuck,
@@ -192,14 +198,13 @@ void BusClient::onFrame(const Frame &frame)
     case FrameType::Message:
         if (const auto message = readMessage(frame.payload))
             m_queue.push_back({message->channel.toByteArray(), QCString(message->name), message->data.toByteArray()});
-        if (!m_wakeUpPosted && m_queue.size() > 1)
-            wakeUp();
         break;
     case FrameType::Answer:
         m_answer = readAnswer(frame.payload);
         break;
     case FrameType::Welcome:
         m_retryDelay = kRetryFirst;
+        m_lastGoodbye.clear();
         break;
     case FrameType::Goodbye:
         onGoodbye(frame.payload);
@@ -219,6 +224,9 @@ void BusClient::onGoodbye(QByteArrayView reason)
 
 void BusClient::lose()
 {
+    // What the broker wrote before it ended, its reason perhaps, is still there to be read.
+    while (m_link->waitForInput({}) && m_link->receive([this](const Frame &frame) { onFrame(frame); })) { }
+    wakeUp();
     m_inputWatch.reset();
     m_roomWatch.reset();
     m_link.reset();
@@ -271,15 +279,19 @@ void BusClient::take(const Message &message)
 
 void BusClient::wakeUp()
 {
-    if (std::exchange(m_wakeUpPosted, true))
+    const bool nothingToDo = m_queue.empty() && m_receivers.isEmpty();
+    if (nothingToDo || std::exchange(m_wakeUpPosted, true))
         return;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            m_wakeUpPosted = false;
-            dispatch();
-        },
-        Qt::QueuedConnection);
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+bool BusClient::event(QEvent *event)
+{
+    if (event->type() != QEvent::User)
+        return QObject::event(event);
+    m_wakeUpPosted = false;
+    dispatch();
+    return true;
 }
 
 void BusClient::dispatch()
@@ -293,22 +305,19 @@ bool BusClient::takeNext()
     while (m_receivers.isEmpty() && !m_queue.empty()) {
         m_current = std::move(m_queue.front());
         m_queue.pop_front();
-        for (QCopChannel *receiver : m_channels.value(m_current.channel))
-            m_receivers.append(receiver);
+        m_receivers = m_channels.value(m_current.channel);
     }
     return !m_receivers.isEmpty();
 }
 
 void BusClient::deliverNext()
 {
-    const QPointer<QCopChannel> receiver = m_receivers.takeFirst();
-    // Copies: a receiver that runs an event loop of its own makes the rest of the queue be delivered from there.
+    QCopChannel *receiver = m_receivers.takeFirst();
+    // A receiver that runs an event loop of its own makes the rest of the queue be delivered from there.
     const QCString name = m_current.name;
     const QByteArray data = m_current.data;
-    if (!m_receivers.isEmpty() || !m_queue.empty())
-        wakeUp();
-    if (receiver)
-        receiver->receive(name, data);
+    wakeUp();
+    receiver->receive(name, data);
 }
 
 }

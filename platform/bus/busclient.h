@@ -14,7 +14,6 @@
 
 #include <QHash>
 #include <QObject>
-#include <QPointer>
 #include <deque>
 #include <optional>
 
@@ -39,6 +38,9 @@ public:
 
     void take(const Message &message) override;
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
     struct Received {
         QByteArray channel;
@@ -51,6 +53,7 @@ private:
     bool transmit(QByteArrayView frame);
     bool write(QByteArrayView frame);
     void watchForRoom();
+    bool waitForAnswer(quint32 token);
     void onInput();
     void onFrame(const Frame &frame);
     void onGoodbye(QByteArrayView reason);
@@ -74,7 +77,7 @@ private:
     QHash<QByteArray, QList<QCopChannel *>> m_channels;
     std::deque<Received> m_queue;
     Received m_current; // being delivered to m_receivers, one after the other
-    QList<QPointer<QCopChannel>> m_receivers;
+    QList<QCopChannel *> m_receivers;
     bool m_wakeUpPosted = false;
     quint32 m_token = 0;
     std::optional<Answer> m_answer;

@@ -12,7 +12,7 @@ constexpr quint32 kMaxGreeting = 64; // a frame before the greeting was understo
 constexpr int kMaxChannelName = 255; // its length is one byte
 constexpr int kMaxChannelsPerClient = 1024;
 constexpr int kMaxClients = 256;
-constexpr qsizetype kMaxBacklog = 4 * 1024 * 1024; // bytes that a client left unread before it is sent away
+constexpr qsizetype kMaxBacklog = qsizetype{4} * 1024 * 1024; // bytes that a client left unread before it is sent away
 
 constexpr std::chrono::milliseconds kGreetingWait{5'000};
 constexpr std::chrono::milliseconds kFarewellWait{5'000}; // for a client that is sent away to read why

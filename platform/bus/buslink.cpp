@@ -42,23 +42,23 @@ BusLink::BusLink(Fd socket) : m_socket(std::move(socket)) { }
 
 BusLink::~BusLink() = default;
 
-bool BusLink::drain(std::chrono::milliseconds limit, qsizetype backlog)
+bool BusLink::drain(std::chrono::milliseconds limit)
 {
     const auto end = Clock::now() + limit;
     SendBuffer::State state = flush();
-    while (state == SendBuffer::State::Blocked && m_out.backlog() > backlog) {
+    while (state == SendBuffer::State::Blocked) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
         if (left.count() <= 0)
             return false;
         waitFor(fd(), POLLOUT, left);
         state = flush();
     }
-    return state != SendBuffer::State::Broken;
+    return state == SendBuffer::State::Empty;
 }
 
 bool BusLink::receive(const std::function<void(const Frame &)> &handle)
 {
-    std::array<char, 64 * 1024> buffer; // filled by the call
+    std::array<char, 65'536> buffer; // filled by the call
     const ssize_t size = recv(fd(), buffer.data(), buffer.size(), MSG_DONTWAIT);
     if (size < 0)
         return errno == EAGAIN || errno == EINTR;

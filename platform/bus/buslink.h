@@ -29,8 +29,8 @@ public:
     // Frames are put here; flush() or drain() writes them.
     [[nodiscard]] QByteArray &tail() { return m_out.tail(); }
     SendBuffer::State flush() { return m_out.flush(fd()); }
-    // Waits until at most `backlog` bytes are left to be written. False when it takes longer, or the broker is gone.
-    bool drain(std::chrono::milliseconds limit, qsizetype backlog = 0);
+    // Waits until all is written. False when it takes longer, or the broker is gone.
+    bool drain(std::chrono::milliseconds limit);
     [[nodiscard]] qsizetype backlog() const { return m_out.backlog(); }
 
     // Reads once what is there and calls handle(frame) for each whole frame. False: the connection has ended.

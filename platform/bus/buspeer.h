@@ -8,7 +8,6 @@
 
 #include <QList>
 #include <chrono>
-#include <optional>
 
 namespace platform::bus {
 
@@ -28,7 +27,7 @@ struct Peer {
     FrameReader in;
     SendBuffer out;
     QList<QByteArray> channels;
-    std::optional<Clock::time_point> deadline; // while Greeting and Leaving
+    Clock::time_point deadline = Clock::time_point::max(); // of Greeting and of Leaving
     bool observes = false;
     bool touched = false; // has something to write at the end of the wake-up
     bool waitsForRoom = false; // the socket is full, epoll tells when it is not

@@ -8,8 +8,8 @@ namespace platform::bus {
 
 namespace {
 
-constexpr qsizetype kCompactAfter = 256 * 1024; // sent bytes that a blocked connection keeps at most
-constexpr qsizetype kWorthKeeping = 64 * 1024; // a larger buffer goes back once it is empty
+constexpr qsizetype kCompactAfter = 262'144; // sent bytes that a blocked connection keeps at most
+constexpr qsizetype kWorthKeeping = 65'536; // a larger buffer goes back once it is empty
 
 struct Borders {
     qsizetype before = 0; // the last border between frames at or before a place

@@ -4,7 +4,6 @@
 namespace platform {
 
 using bus::FrameType;
-using bus::Peer;
 
 bool BusBroker::Data::handle(Peer &peer, const bus::Frame &frame)
 {
@@ -20,7 +19,7 @@ bool BusBroker::Data::greet(Peer &peer, const bus::Frame &frame)
         return false;
     }
     peer.phase = Peer::Phase::Serving;
-    peer.deadline.reset();
+    peer.deadline = bus::Clock::time_point::max();
     peer.in.setLimit(bus::kMaxFrame);
     bus::putWelcome(peer.out.tail());
     touch(peer);

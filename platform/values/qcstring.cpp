@@ -6,7 +6,7 @@
 namespace {
 
 // A length from outside is followed step by step: memory grows no further than one step ahead of the bytes.
-constexpr quint32 kReadStep = 64 * 1024;
+constexpr quint32 kReadStep = 65'536;
 
 QByteArray readBytes(QDataStream &stream, quint32 length)
 {

@@ -1,4 +1,5 @@
 // Another process on the bus, led by a test: a command a line on standard input, an answer a line on standard output.
+// Started with "early" it has a channel of that name before it has an application object.
 //
 //   host                     hosts the broker             -> "hosting" or "failed REASON"
 //   open CHANNEL             makes a channel              -> "opened"; from then on "got CHANNEL MESSAGE HEX"
@@ -21,6 +22,7 @@ namespace {
 struct Peer {
     std::unique_ptr<platform::BusBroker> broker;
     QHash<QByteArray, QCopChannel *> channels;
+    ~Peer() { qDeleteAll(channels); }
 };
 
 void answer(const QByteArray &line)
@@ -53,7 +55,7 @@ void host(Peer &peer)
 
 void open(Peer &peer, const QByteArray &name)
 {
-    auto *channel = new QCopChannel(name, qApp);
+    auto *channel = new QCopChannel(name);
     QObject::connect(channel, &QCopChannel::received, channel, [name](const QCString &message, const QByteArray &data) {
         answer("got " + name + ' ' + message + ' ' + data.toHex());
     });
@@ -87,8 +89,10 @@ void obey(Peer &peer, const QByteArray &line)
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
     Peer peer;
+    if (argc > 1)
+        open(peer, argv[1]);
+    QCoreApplication app(argc, argv);
     QByteArray pending;
     QSocketNotifier commands(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&commands, &QSocketNotifier::activated, &app, [&] {

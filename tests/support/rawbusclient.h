@@ -82,9 +82,10 @@ private:
     static QByteArray text(const platform::bus::Frame &frame)
     {
         using platform::bus::FrameType;
-        const QByteArray letter(1, char(frame.type));
-        if (frame.type == FrameType::Message)
-            return letter + ' ' + platform::bus::readMessage(frame.payload)->name.toByteArray();
+        QByteArray letter(1, char(frame.type));
+        const auto message = platform::bus::readMessage(frame.payload);
+        if (frame.type == FrameType::Message && message)
+            return letter + ' ' + message->name.toByteArray();
         if (frame.type == FrameType::Goodbye)
             return letter + ' ' + frame.payload.toByteArray();
         return letter;

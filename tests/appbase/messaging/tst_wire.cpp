@@ -4,7 +4,6 @@
 #include <functional>
 
 using wire::Reader;
-using wire::Writer;
 
 class TstWire : public QObject {
     Q_OBJECT

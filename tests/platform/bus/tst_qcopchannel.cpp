@@ -7,6 +7,8 @@
 #include "platform/bus/busflush.h"
 #include "tests/support/peerprocess.h"
 
+#include <csignal>
+
 using platform::BusBroker;
 
 // Between processes; the broker lives in one of its own unless a test says otherwise.
@@ -24,6 +26,8 @@ private Q_SLOTS:
     void channelsWorkAgainAfterTheServerWasKilled();
     void oneProcessMayHostAndTakePart();
     void hostingTakesOverWhatTheProcessHad();
+    void stoppedServerGetsWhatWasSentMeanwhile();
+    void channelMayBeOlderThanTheApplication();
     void twoServersAreOne();
     void channelMayBeDeletedWhileItReceives();
     void nestedLoopKeepsTheOrderForAll();
@@ -86,7 +90,8 @@ void TstQCopChannel::senderKeepsItsOrderAroundAQuestion()
     QSignalSpy spy(&channel, &QCopChannel::received);
     QVERIFY(QCopChannel::send("c", "1"));
     QVERIFY(QCopChannel::isRegistered("c"));
-    QCOMPARE(spy.size(), 0); // what came with the answer waits for the event loop
+    QCOMPARE(spy.size(), 0); // what came with the answer waits for the event loop,
+    QTRY_COMPARE(namesIn(spy), QList<QByteArray>{"1"}); // and for nothing else
     QVERIFY(QCopChannel::send("c", "2"));
     QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"1", "2"}));
 }
@@ -194,6 +199,31 @@ void TstQCopChannel::hostingTakesOverWhatTheProcessHad()
     QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"here", "there"}));
 }
 
+void TstQCopChannel::stoppedServerGetsWhatWasSentMeanwhile()
+{
+    QCopChannel channel("c");
+    QSignalSpy spy(&channel, &QCopChannel::received);
+    kill(pid_t(m_server->pid()), SIGSTOP);
+    const QByteArray data(100'000, 'd');
+    int sent = 0;
+    while (sent < 1'000 && QCopChannel::send("c", QCString(QByteArray::number(sent)), data))
+        ++sent;
+    QVERIFY(sent >= 40); // 4 MiB are kept for it, and no more
+    QVERIFY(sent < 50);
+    kill(pid_t(m_server->pid()), SIGCONT);
+    QTRY_COMPARE(spy.size(), sent);
+    for (int i = 0; i < sent; ++i)
+        QCOMPARE(spy[i][0].value<QCString>(), QByteArray::number(i));
+}
+
+void TstQCopChannel::channelMayBeOlderThanTheApplication()
+{
+    PeerProcess peer(QStringLiteral("buspeer"), {QStringLiteral("early")});
+    QCOMPARE(peer.line(), "opened");
+    QVERIFY(QCopChannel::send("early", "m"));
+    QCOMPARE(peer.line(), "got early m");
+}
+
 void TstQCopChannel::twoServersAreOne()
 {
     PeerProcess second(QStringLiteral("buspeer"));
@@ -249,6 +279,7 @@ void TstQCopChannel::localMessagesStayHere()
     QVERIFY(!QCopChannel::sendLocally("nobody", "here"));
     QVERIFY(QCopChannel::send("c", "everywhere"));
     QCOMPARE(peer.line(), "got c everywhere");
+    QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"here", "everywhere"}));
 }
 
 void TstQCopChannel::impossibleNamesAndSizesAreRefused()
