@@ -1,6 +1,7 @@
 #include "platform/windowserver/input.h"
 
 #include "platform/window/qwsserver.h"
+#include "platform/windowserver/clientbacklog.h"
 #include "platform/windowserver/clientwindow.h"
 #include "platform/windowserver/keyextension.h"
 #include "platform/windowserver/keytext.h"
@@ -105,6 +106,8 @@ void Input::deliver(const KeyStroke &stroke)
 
 void Input::deliverTo(QWaylandSurface *surface, const QKeyEvent &event)
 {
+    if (!ClientBacklog::admits(*surface, ClientBacklog::Event::Needed))
+        return;
     if (!m_keys.send(surface, event) && surface == m_seat.keyboardFocus())
         m_seat.sendKeyEvent(event.key(), event.type() == QEvent::KeyPress); // a client of another toolkit
     flushClient(*surface);

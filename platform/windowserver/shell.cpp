@@ -30,6 +30,7 @@ Qt::WindowType ShellSurface::type() const
 
 void ShellSurface::configure(const QRect &geometry, Qt::WindowStates states)
 {
+    m_given = geometry.topLeft();
     const uint32_t serial = m_compositor->nextSerial();
     send_set_position(serial, geometry.x(), geometry.y());
     send_resize(serial, geometry.width(), geometry.height());
@@ -106,6 +107,14 @@ void Shell::initialize()
 void Shell::zqt_shell_v1_surface_create(Resource *resource, wl_resource *surfaceResource, uint32_t id)
 {
     QWaylandSurface *surface = QWaylandSurface::fromResource(surfaceResource);
-    if (surface->setRole(ShellSurface::role(), resource->handle, error_role))
-        Q_EMIT surfaceCreated(new ShellSurface(surface, resource->client(), id, resource->version()));
+    if (m_taken.contains(surface)) {
+        wl_resource_post_error(resource->handle, error_role, "the surface is a window already");
+        return;
+    }
+    if (!surface->setRole(ShellSurface::role(), resource->handle, error_role))
+        return;
+    auto *shell = new ShellSurface(surface, resource->client(), id, resource->version());
+    m_taken.insert(surface);
+    connect(shell, &ShellSurface::gone, this, [this, surface] { m_taken.remove(surface); });
+    Q_EMIT surfaceCreated(shell);
 }

@@ -3,6 +3,7 @@
 
 #include <QPointer>
 #include <QRect>
+#include <QSet>
 #include <QWaylandCompositorExtensionTemplate>
 #include <QWaylandSurface>
 #include <qwayland-server-zqt-shell-v1.h>
@@ -58,6 +59,7 @@ private:
     Qt::WindowFlags m_flags = Qt::Window;
     Qt::WindowStates m_states;
     QRect m_wanted;
+    QPoint m_given; // the position of the last configure
     bool m_acknowledged = false;
 };
 
@@ -73,4 +75,7 @@ Q_SIGNALS:
 
 protected:
     void zqt_shell_v1_surface_create(Resource *resource, wl_resource *surface, uint32_t id) override;
+
+private:
+    QSet<const QWaylandSurface *> m_taken; // those that are a window already
 };

@@ -1,5 +1,7 @@
 #include "platform/windowserver/surfaceview.h"
 
+#include "platform/windowserver/clientbacklog.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWaylandBufferRef>
@@ -44,10 +46,10 @@ void flushClient(const QWaylandSurface &surface)
 
 namespace {
 
-// Calls `send` with the seat, unless the client destroyed the surface meanwhile.
-template <typename Send> void tellPointer(const QWaylandSurface *surface, Send send)
+// Calls `send` with the seat, unless the client is gone or does not listen.
+template <typename Send> void tellPointer(const QWaylandSurface *surface, ClientBacklog::Event event, Send send)
 {
-    if (!surface)
+    if (!surface || !ClientBacklog::admits(*surface, event))
         return;
     send(*surface->compositor()->defaultSeat());
     flushClient(*surface);
@@ -116,23 +118,21 @@ void SurfaceView::paintEvent(QPaintEvent *event)
         painter.drawImage(rect, image, rect);
 }
 
-void SurfaceView::movePointer(const QMouseEvent &event)
-{
-    tellPointer(surface(),
-        [&](QWaylandSeat &seat) { seat.sendMouseMoveEvent(&m_view, event.position(), event.scenePosition()); });
-}
-
 void SurfaceView::mousePressEvent(QMouseEvent *event)
 {
-    movePointer(*event);
     Q_EMIT pressed();
-    tellPointer(surface(), [event](QWaylandSeat &seat) { seat.sendMousePressEvent(event->button()); });
+    tellPointer(surface(), ClientBacklog::Event::Needed, [this, event](QWaylandSeat &seat) {
+        seat.sendMouseMoveEvent(&m_view, event->position(), event->scenePosition());
+        seat.sendMousePressEvent(event->button());
+    });
 }
 
 void SurfaceView::mouseReleaseEvent(QMouseEvent *event)
 {
-    movePointer(*event);
-    tellPointer(surface(), [event](QWaylandSeat &seat) { seat.sendMouseReleaseEvent(event->button()); });
+    tellPointer(surface(), ClientBacklog::Event::Needed, [this, event](QWaylandSeat &seat) {
+        seat.sendMouseMoveEvent(&m_view, event->position(), event->scenePosition());
+        seat.sendMouseReleaseEvent(event->button());
+    });
 }
 
 void SurfaceView::mouseDoubleClickEvent(QMouseEvent *event)
@@ -140,11 +140,16 @@ void SurfaceView::mouseDoubleClickEvent(QMouseEvent *event)
     mousePressEvent(event); // the client counts clicks itself
 }
 
-void SurfaceView::mouseMoveEvent(QMouseEvent *event) { movePointer(*event); }
+void SurfaceView::mouseMoveEvent(QMouseEvent *event)
+{
+    tellPointer(surface(), ClientBacklog::Event::Droppable, [this, event](QWaylandSeat &seat) {
+        seat.sendMouseMoveEvent(&m_view, event->position(), event->scenePosition());
+    });
+}
 
 void SurfaceView::wheelEvent(QWheelEvent *event)
 {
-    tellPointer(surface(), [this, event](QWaylandSeat &seat) {
+    tellPointer(surface(), ClientBacklog::Event::Needed, [this, event](QWaylandSeat &seat) {
         seat.sendMouseMoveEvent(&m_view, event->position(), event->globalPosition());
         if (const int turned = event->angleDelta().y())
             seat.sendMouseWheelEvent(Qt::Vertical, turned);

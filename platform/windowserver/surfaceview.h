@@ -41,7 +41,6 @@ protected:
 
 private:
     void setContent(bool hasContent);
-    void movePointer(const QMouseEvent &event);
 
     QWaylandView m_view;
     bool m_hasContent = false;
