@@ -2,13 +2,36 @@
 #include "tools/tyx/command.h"
 
 #include <QCoreApplication>
+#include <string>
+#include <vector>
+
+namespace {
+
+// What is wrong on one line, and where to read more: at the innermost command that was understood.
+std::string usageError(const CLI::App *app, const CLI::Error &error)
+{
+    std::string command = app->get_name();
+    const CLI::App *innermost = app;
+    while (!innermost->get_subcommands().empty()) {
+        innermost = innermost->get_subcommands().front();
+        command += ' ' + innermost->get_name();
+    }
+    const std::vector<std::string> unknown = innermost->remaining();
+    const bool wantsCommand = error.get_name() == "RequiredError" && innermost->get_require_subcommand_min() > 0;
+    const std::string what = !wantsCommand ? error.what()
+        : unknown.empty()                  ? "which command?"
+                                           : "there is no command '" + unknown.front() + "'";
+    return command + ": " + what + "; see " + command + " --help\n";
+}
+
+}
 
 int main(int argc, char **argv)
 {
     const QCoreApplication events(argc, argv); // some commands wait for answers
     CLI::App app("Inspects, drives and tests a phone.", "tyx");
     app.require_subcommand(1);
-    app.failure_message(CLI::FailureMessage::simple);
+    app.failure_message(usageError);
     app.footer("Exit status: 0 done, 1 answered no, 2 wrong usage, 3 failed.");
     int exit = tyx::Done;
     tyx::addScreen(app, exit);
