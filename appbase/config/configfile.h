@@ -10,7 +10,7 @@
 namespace config {
 
 // Settings are a few kilobytes. What is larger than this is damage, and reading it would take the process down.
-inline constexpr qint64 kMaxFileBytes = qint64{128} * 1024 * 1024;
+inline constexpr qint64 kMaxFileBytes = qint64(128) << 20;
 
 // The whole file. Anything but a regular file (a FIFO, a directory, a device) is EINVAL without waiting for it, a file
 // over the limit EFBIG. Exported for the tools, not installed.

@@ -27,7 +27,7 @@ constexpr mode_t kDirectoryMode = 0777;
 // the text as it was read, and only a second one, or a change, builds the sorted store.
 class ZConfigData {
 public:
-    ZConfigData(const QString &file, bool throughWrites) : fileName(file), writeThrough(throughWrites) { read(); }
+    ZConfigData(const QString &file, bool writeThrough) : m_fileName(file), m_writeThrough(writeThrough) { read(); }
 
     void setGroup(const QString &group);
     bool enterForChange(const QString &group); // whether there is a current group now
@@ -36,11 +36,10 @@ public:
     void remove(const QString &key);
     void clearCurrentGroup();
     const QMap<QString, QString> *listing(const QString &group);
-    bool saved() { return !writeThrough || save(); } // ends every modifying operation
+    bool saved() { return !m_writeThrough || save(); } // ends every modifying operation
     bool save();
-
-    QString fileName;
-    bool dirty = false;
+    void rename(const QString &file) { m_fileName = file; }
+    [[nodiscard]] bool isDirty() const { return m_dirty; }
 
 private:
     struct Listing {
@@ -58,22 +57,24 @@ private:
     void changed();
     void openToEveryone() const;
 
+    QString m_fileName;
     QString m_text; // of the file; the answers of a first question point into it
-    bool m_asked = false;
     std::optional<ConfigText> m_whole;
+    QString m_groupName; // the last one that was named, even if there is no current group
+    config::Group *m_current = nullptr; // the current group once it has been looked for
     // Handed out. They are valid until the next change, but live on: a caller may well change what he walks through.
     std::map<QString, Listing> m_listings;
-    int m_changes = 0;
-    QString m_groupName; // the last one that was named, even if there is no current group
+    int m_changes = 0; // ever made
     bool m_hasGroup = false; // whether m_groupName is current, and then it exists
-    config::Group *m_current = nullptr; // the current group once it has been looked for
-    bool writeThrough;
+    bool m_asked = false;
+    bool m_dirty = false;
+    bool m_writeThrough;
 };
 
 void ZConfigData::read()
 {
-    dirty = false;
-    if (const auto bytes = config::readFile(fileName))
+    m_dirty = false;
+    if (const auto bytes = config::readFile(m_fileName))
         m_text = config::decoded(*bytes);
     leave();
 }
@@ -87,7 +88,7 @@ ConfigText &ZConfigData::whole()
 
 void ZConfigData::changed()
 {
-    dirty = true;
+    m_dirty = true;
     ++m_changes;
 }
 
@@ -202,7 +203,7 @@ const QMap<QString, QString> *ZConfigData::listing(const QString &group)
 // Read and write for everyone, but only on a regular file at this very path: a link may lead to anybody's file.
 void ZConfigData::openToEveryone() const
 {
-    const auto file = platform::Fd::open(QFile::encodeName(fileName).constData(), O_PATH | O_NOFOLLOW);
+    const auto file = platform::Fd::open(QFile::encodeName(m_fileName).constData(), O_PATH | O_NOFOLLOW);
     struct stat status = {};
     if (file && ::fstat(file->get(), &status) == 0 && S_ISREG(status.st_mode))
         ::chmod(QByteArray("/proc/self/fd/" + QByteArray::number(file->get())).constData(), kFileMode);
@@ -210,7 +211,7 @@ void ZConfigData::openToEveryone() const
 
 bool ZConfigData::save()
 {
-    auto file = platform::FileReplacement::begin(fileName, kFileMode);
+    auto file = platform::FileReplacement::begin(m_fileName, kFileMode);
     if (!file) {
         leave();
         return false;
@@ -221,7 +222,7 @@ bool ZConfigData::save()
     // Promised: a failed rename counts as saved, and the file that stays gets the mode.
     if (!file->publish())
         openToEveryone();
-    dirty = false;
+    m_dirty = false;
     return true;
 }
 
@@ -229,7 +230,7 @@ ZConfig::ZConfig(const QString &file, bool writeThrough) : d(std::make_unique<ZC
 
 ZConfig::~ZConfig()
 {
-    if (d->dirty)
+    if (d->isDirty())
         write(QString());
 }
 
@@ -329,12 +330,12 @@ bool ZConfig::clearGroup(const QString &group)
     return d->saved();
 }
 
-bool ZConfig::flush() { return !d->dirty || write(QString()); }
+bool ZConfig::flush() { return !d->isDirty() || write(QString()); }
 
 bool ZConfig::write(const QString &file)
 {
     if (!file.isEmpty())
-        d->fileName = file;
+        d->rename(file);
     return d->save();
 }
 
@@ -359,7 +360,7 @@ QString ZConfig::initSettingDirectory()
         QDir().mkpath(base);
         allowEveryone(base);
     }
-    const QString directory = getSettingDirectory();
+    QString directory = getSettingDirectory();
     QDir().mkdir(directory);
     allowEveryone(directory);
     return directory;

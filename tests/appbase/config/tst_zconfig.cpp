@@ -308,20 +308,18 @@ void TstZConfig::writeTakesANewName()
 void TstZConfig::aFailedSaveKeepsEverything()
 {
     fill("[G]\nk = 1\n");
-    {
-        ZConfig config(kPath, true);
-        {
-            const BlockedSaves blocked;
-            QVERIFY(!config.writeEntry(u"G"_s, u"k"_s, 2));
-            QVERIFY(!config.flush());
-            QCOMPARE(content(), QByteArray("[G]\nk = 1\n"));
-            // The change is here, but the current group is not.
-            QCOMPARE(config.getGroupEntriesKeyList(u"G"_s)->value(u"k"_s), u"2"_s);
-            QCOMPARE(config.readNumEntry(u"G"_s, u"k"_s, 7), 7);
-        }
-        QVERIFY(!config.writeEntry(u"G"_s, u"k"_s, 3));
-        QCOMPARE(content(), QByteArray("[G]\nk = 1\n"));
-    } // the destructor tries again
+    auto config = std::make_unique<ZConfig>(kPath, true);
+    auto blocked = std::make_unique<BlockedSaves>();
+    QVERIFY(!config->writeEntry(u"G"_s, u"k"_s, 2));
+    QVERIFY(!config->flush());
+    QCOMPARE(content(), QByteArray("[G]\nk = 1\n"));
+    // The change is here, but the current group is not.
+    QCOMPARE(config->getGroupEntriesKeyList(u"G"_s)->value(u"k"_s), u"2"_s);
+    QCOMPARE(config->readNumEntry(u"G"_s, u"k"_s, 7), 7);
+    blocked.reset();
+    QVERIFY(!config->writeEntry(u"G"_s, u"k"_s, 3));
+    QCOMPARE(content(), QByteArray("[G]\nk = 1\n"));
+    config.reset(); // tries again
     QCOMPARE(content(), QByteArray("[G]\nk = 2\n"));
 }
 
@@ -373,7 +371,7 @@ void TstZConfig::hugeFilesAreRead()
     QFile file(kPath);
     QVERIFY(file.open(QIODevice::WriteOnly));
     const QByteArray block = "[G]\n" + QByteArray("key = value\n").repeated(100000);
-    while (file.size() < 100 * 1000 * 1000)
+    while (file.size() < 100'000'000)
         QCOMPARE(file.write(block), block.size());
     QVERIFY(file.flush());
     QCOMPARE(ZConfig(kPath, false).readEntry(u"G"_s, u"key"_s), u"value"_s);
