@@ -1,7 +1,7 @@
 // Another process on the bus, led by a test: a command a line on standard input, an answer a line on standard output.
 // Started with "early" it has a channel of that name before it has an application object.
 //
-//   host                     hosts the broker             -> "hosting" or "failed REASON"
+//   host [GROUP]             hosts the broker             -> "hosting" or "failed REASON"
 //   open CHANNEL             makes a channel              -> "opened"; from then on "got CHANNEL MESSAGE HEX"
 //   close CHANNEL            deletes it                   -> "closed"
 //   send CHANNEL MESSAGE HEX [COUNT]                      -> "sent 1"; with a count the data ends in the 4-byte number
@@ -45,9 +45,9 @@ bool sendMany(const QList<QByteArray> &words)
     return all;
 }
 
-void host(Peer &peer)
+void host(Peer &peer, const QByteArray &group)
 {
-    auto broker = platform::BusBroker::listen();
+    auto broker = platform::BusBroker::listen({.group = group});
     answer(broker ? QByteArrayLiteral("hosting") : "failed " + broker.error().text().toUtf8());
     if (broker)
         peer.broker = std::move(*broker);
@@ -67,7 +67,7 @@ void obey(Peer &peer, const QByteArray &line)
 {
     const QList<QByteArray> words = line.split(' ');
     if (words[0] == "host") {
-        host(peer);
+        host(peer, words.value(1));
     } else if (words[0] == "open") {
         open(peer, words.value(1));
     } else if (words[0] == "close") {
