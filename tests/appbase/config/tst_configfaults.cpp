@@ -140,11 +140,14 @@ void TstConfigFaults::killedAnywhereTheOldOrTheNewFileStands()
 {
     if (m_calls.isEmpty())
         QSKIP("nothing can be traced here (strace is missing or ptrace is forbidden)");
+    QStringList wrong;
     for (const Call &call : m_calls) {
         init();
-        const QString wrong = wrongAfterKill(call);
-        QVERIFY2(wrong.isEmpty(), qPrintable(call.name + u": " + wrong));
+        const QString found = wrongAfterKill(call);
+        if (!found.isEmpty())
+            wrong << call.name + u": " + found;
     }
+    QCOMPARE(wrong, QStringList());
 }
 
 void TstConfigFaults::anErrorAnywhereIsAnsweredTruly()
@@ -152,11 +155,14 @@ void TstConfigFaults::anErrorAnywhereIsAnsweredTruly()
     if (m_calls.isEmpty())
         QSKIP("nothing can be traced here (strace is missing or ptrace is forbidden)");
     QVERIFY(std::ranges::any_of(m_calls, [](const Call &call) { return call.name.startsWith(u"rename"_s); }));
+    QStringList wrong;
     for (const Call &call : m_calls.first(m_calls.size() - 1)) { // the last one prints the answer
         init();
-        const QString wrong = wrongAfterError(call);
-        QVERIFY2(wrong.isEmpty(), qPrintable(call.name + u": " + wrong));
+        const QString found = wrongAfterError(call);
+        if (!found.isEmpty())
+            wrong << call.name + u": " + found;
     }
+    QCOMPARE(wrong, QStringList());
 }
 
 // /tmp is small here.
