@@ -22,6 +22,7 @@ constexpr int kWarmUp = 1'000;
 constexpr int kWindow = 500; // messages that are on their way before the sender waits for all receivers
 constexpr int kWindows = 20;
 constexpr int kLazyClients = 8;
+constexpr int kRounds = 3; // all buses in turn; the best of each counts, since other programs only ever add time
 
 double microseconds(Clock::duration time) { return std::chrono::duration<double, std::micro>(time).count(); }
 
@@ -181,6 +182,12 @@ void compare(const char *what, const std::function<Times(const Bus &)> &measure)
     std::vector<std::pair<const Bus *, Times>> results;
     for (const Bus *bus : all)
         results.emplace_back(bus, measure(*bus));
+    for (int round = 1; round < kRounds; ++round) {
+        for (auto &[bus, best] : results) {
+            if (const Times again = measure(*bus); again.median < best.median)
+                best = again;
+        }
+    }
     for (const auto &[bus, times] : results) {
         std::printf("%-16s %10.2f %10.2f %12.2f %12.2f\n", bus->name, times.median, times.p99,
             times.median / results[0].second.median, times.median / results[2].second.median);

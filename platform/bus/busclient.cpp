@@ -45,9 +45,8 @@ void BusClient::add(QCopChannel *channel)
     if (BusBroker *host = BusBroker::hosted())
         return host->registerForHost(channel->channel());
     const bool registersAll = m_link == nullptr; // connecting registers this one too
-    QByteArray frame;
-    putChannel(frame, FrameType::Register, channel->channel());
-    if (registersAll ? !connectLink() : !transmit(frame))
+    const auto put = [&](QByteArray &out) { putChannel(out, FrameType::Register, channel->channel()); };
+    if (registersAll ? !connectLink() : !transmit(put))
         return scheduleRetry();
     // The answer is known; waited for is that the broker has come this far. From here on all other processes find the
     // channel, so a message that was not stored for it is sent to it.
@@ -63,10 +62,8 @@ void BusClient::remove(QCopChannel *channel)
     m_channels.erase(sameName);
     if (BusBroker *host = BusBroker::hosted())
         return host->unregisterForHost(channel->channel());
-    QByteArray frame;
-    putChannel(frame, FrameType::Unregister, channel->channel());
     if (m_link)
-        write(frame);
+        write([&](QByteArray &out) { putChannel(out, FrameType::Unregister, channel->channel()); });
 }
 
 bool BusClient::send(const Message &message)
@@ -77,9 +74,7 @@ bool BusClient::send(const Message &message)
         host->sendFromHost(message);
         return true;
     }
-    QByteArray frame;
-    putMessage(frame, message);
-    return transmit(frame);
+    return transmit([&](QByteArray &out) { putMessage(out, message); });
 }
 
 bool BusClient::sendLocally(const QCString &channel, const QCString &name, const QByteArray &data)
@@ -96,10 +91,9 @@ bool BusClient::isRegistered(QByteArrayView channel)
 {
     if (const BusBroker *host = BusBroker::hosted())
         return host->isRegistered(channel);
-    QByteArray frame;
     const quint32 token = ++m_token;
-    putQuery(frame, {token, channel});
-    if (!isChannelName(channel) || !transmit(frame) || !m_link->drain(kAnswerWait))
+    const auto put = [&](QByteArray &out) { putQuery(out, {token, channel}); };
+    if (!isChannelName(channel) || !transmit(put) || !m_link->drain(kAnswerWait))
         return false;
     return waitForAnswer(token);
 }
@@ -145,19 +139,24 @@ void BusClient::registerAll()
 }
 
 // A connection that turns out to be dead is made again once: the broker may be back already.
-bool BusClient::transmit(QByteArrayView frame)
+bool BusClient::transmit(const PutFrame &put)
 {
     const bool wasThere = m_link != nullptr;
-    if ((wasThere || connectLink()) && write(frame))
+    if ((wasThere || connectLink()) && write(put))
         return true;
-    return wasThere && !m_link && connectLink() && write(frame);
+    return wasThere && !m_link && connectLink() && write(put);
 }
 
-bool BusClient::write(QByteArrayView frame)
+bool BusClient::write(const PutFrame &put)
 {
-    if (m_link->backlog() + frame.size() > kMaxBacklog)
-        return false; // the broker is stuck: give up this frame rather than grow without end
-    m_link->tail().append(frame);
+    if (m_roomWatch)
+        m_link->flush(); // perhaps there is room again, and no event loop to notice
+    const qsizetype before = m_link->tail().size();
+    put(m_link->tail());
+    if (m_link->backlog() > kMaxBacklog) {
+        m_link->tail().truncate(before); // the broker is stuck: give up this frame rather than grow without end
+        return false;
+    }
     auto state = m_link->flush();
     // The broker reads fast: waiting for it lets a burst survive an _exit() right behind it. Once it was found stuck,
     // nothing waits until it reads again.

@@ -15,6 +15,7 @@
 #include <QHash>
 #include <QObject>
 #include <deque>
+#include <functional>
 #include <optional>
 
 class QCopChannel;
@@ -50,8 +51,9 @@ private:
 
     BusClient();
     bool connectLink();
-    bool transmit(QByteArrayView frame);
-    bool write(QByteArrayView frame);
+    using PutFrame = std::function<void(QByteArray &out)>; // appends one frame: straight to what is to be written
+    bool transmit(const PutFrame &put);
+    bool write(const PutFrame &put);
     void watchForRoom();
     bool waitForAnswer(quint32 token);
     void onInput();

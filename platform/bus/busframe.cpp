@@ -233,7 +233,7 @@ Cut cutFrame(QByteArrayView bytes, quint32 limit)
 
 void FrameReader::keep(QByteArrayView rest)
 {
-    constexpr qsizetype kWorthKeeping = 65'536; // a buffer that grew for one large frame is given back
+    constexpr qsizetype kWorthKeeping = 163'840; // a buffer that grew for one large frame is given back
     if (m_partial.isEmpty())
         m_partial = rest.toByteArray();
     else if (rest.isEmpty() && m_partial.capacity() > kWorthKeeping)

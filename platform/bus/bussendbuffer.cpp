@@ -9,7 +9,7 @@ namespace platform::bus {
 namespace {
 
 constexpr qsizetype kCompactAfter = 262'144; // sent bytes that a blocked connection keeps at most
-constexpr qsizetype kWorthKeeping = 65'536; // a larger buffer goes back once it is empty
+constexpr qsizetype kWorthKeeping = 163'840; // a larger buffer goes back once it is empty
 
 struct Borders {
     qsizetype before = 0; // the last border between frames at or before a place
