@@ -164,6 +164,7 @@ void TstBusBroker::clientThatNeverReadsIsSentAwayAlone()
     for (; line == "M " + QByteArray::number(kept); line = lazy.next())
         ++kept;
     QCOMPARE(line, "X 4 MiB of messages were left unread");
+    QVERIFY(kept < sent / 2); // what its socket held; the rest was not kept for it any longer
     QCOMPARE(lazy.next(), "end");
     QVERIFY(m_bystander->send("flood", "after"));
     QCOMPARE(busy.next(), "M after");
