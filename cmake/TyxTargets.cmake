@@ -10,6 +10,7 @@ target_compile_definitions(tyx_options INTERFACE
 target_compile_options(tyx_options INTERFACE
   -Wall -Wextra -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
   $<$<CXX_COMPILER_ID:GNU>:-Wcast-align=strict> -Werror=cast-align
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion> # as GCC's -Wconversion, which the builds use
   $<$<BOOL:${TYX_WERROR}>:-Werror>
   -ffunction-sections -fdata-sections)
 target_link_options(tyx_options INTERFACE -Wl,--gc-sections -Wl,--as-needed -Wl,--no-undefined)

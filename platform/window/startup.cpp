@@ -145,6 +145,9 @@ void settle()
     useScreenOfPhone();
 }
 
-const ServerOptions &serverOptions() { return theServer->options; }
+const ServerOptions &serverOptions()
+{
+    return theServer->options; // NOLINT(bugprone-unchecked-optional-access): only a server asks, after prepare()
+}
 
 }
