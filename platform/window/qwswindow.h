@@ -18,7 +18,7 @@ public:
 
     [[nodiscard]] virtual int winId() const = 0; // the same number that QWSApplication::windowId() gives in the client
     [[nodiscard]] virtual pid_t clientPid() const = 0;
-    [[nodiscard]] virtual QString name() const = 0; // object name of the client's widget
+    [[nodiscard]] virtual QString name() const = 0; // object name of the client's widget, else the program's
     [[nodiscard]] virtual QString caption() const = 0;
     [[nodiscard]] virtual QRect geometry() const = 0; // on the screen; where it was last while hidden
     [[nodiscard]] virtual bool isVisible() const = 0;

@@ -5,6 +5,7 @@
 #include "platform/window/serveroptions.h"
 
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QTemporaryFile>
 #include <algorithm>
 #include <cerrno>
@@ -12,6 +13,9 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformintegration.h>
+#include <tuple>
 
 using namespace std::chrono_literals;
 
@@ -42,8 +46,10 @@ void useScreenOfPhone()
     qputenv("QT_QPA_PLATFORM", "wayland");
     qputenv("WAYLAND_DISPLAY", phonescreen::kSocketName);
     qunsetenv("WAYLAND_SOCKET");
-    qputenv(
-        "QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1"); // or a window takes itself to be at 0,0, and its menus go astray
+    // Or a window takes itself to be at 0,0, and its menus go astray.
+    qputenv("QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1");
+    // Pictures go through shared memory. Looking for graphics hardware that a phone has not got takes 25 ms and 20 MiB.
+    qputenv("QT_WAYLAND_CLIENT_BUFFER_INTEGRATION", "none");
     qunsetenv("QT_WAYLAND_SHELL_INTEGRATION"); // the server offers one shell, and it is found without being named
 }
 
@@ -112,6 +118,8 @@ void prepareServer(int &argc, char **argv)
         theServer->screenDescription = describeScreen(*options);
     const QString description = theServer->screenDescription ? theServer->screenDescription->fileName() : QString();
     qputenv("QT_QPA_PLATFORM", options->forToolkit(description));
+    if (!qEnvironmentVariableIsSet("QT_FONT_DPI"))
+        qputenv("QT_FONT_DPI", "96"); // as in the clients, whatever the display is that stands for the screen
 }
 
 }
@@ -138,11 +146,27 @@ int &prepare(int &argc, char **argv, QWSApplication::Type type)
     return argc;
 }
 
+// The toolkit looks for graphics hardware once, when it first wants to know, and would complain that there is none.
+static void lookForHardwareQuietly()
+{
+    static QLoggingCategory::CategoryFilter others;
+    others = QLoggingCategory::installFilter([](QLoggingCategory *category) {
+        if (others) // it is asked for all categories before the old one is known; they keep what they have
+            others(category);
+        if (std::strcmp(category->categoryName(), "qt.qpa.wayland") == 0)
+            category->setEnabled(QtWarningMsg, false);
+    });
+    std::ignore = QGuiApplicationPrivate::platformIntegration()->hasCapability(QPlatformIntegration::OpenGL);
+    QLoggingCategory::installFilter(others);
+}
+
 void settle()
 {
     if (theServer)
         theServer->screenDescription.reset();
     useScreenOfPhone();
+    if (QGuiApplication::platformName() == QLatin1String("wayland"))
+        lookForHardwareQuietly();
 }
 
 const ServerOptions &serverOptions()

@@ -124,7 +124,8 @@ void WindowRegistry::identify(QWindow *window)
     if (!surface)
         return;
     const QWidget *widget = widgetOf(window);
-    const QString name = widget ? widget->objectName() : window->objectName();
+    const QString given = widget ? widget->objectName() : window->objectName();
+    const QString name = given.isEmpty() ? QCoreApplication::applicationName() : given;
     const bool modal = widget ? widget->isModal() : window->modality() != Qt::NonModal;
     // A message of this protocol holds 4 KiB at most.
     tyx_windows_v1_identify(m_windows, surface, m_ids.value(window), name.left(256).toUtf8().constData(),
