@@ -52,13 +52,20 @@ public:
         tell(command);
         return says(QStringLiteral("done ") + command.section(u' ', 1, 1));
     }
-    // Makes a window and waits until the server shows it.
+    // Makes a window and waits until the server shows it; a main window until it drew itself in its place.
     bool shows(
         const QString &name, const QString &kind, const QString &colour = QStringLiteral("red"), QSize size = {100, 60})
     {
         tell(QStringLiteral("make %1 %2 %3 %4 %5").arg(name, kind).arg(size.width()).arg(size.height()).arg(colour));
-        return says(QStringLiteral("made ") + name) && does(QStringLiteral("show ") + name)
-            && QTest::qWaitFor([&] { return window(name) && window(name)->isVisible(); }, 20'000);
+        if (!says(QStringLiteral("made ") + name) || !does(QStringLiteral("show ") + name))
+            return false;
+        const bool fills = kind == QLatin1String("main");
+        return QTest::qWaitFor(
+            [&] {
+                const QWSWindow *shown = window(name);
+                return shown && shown->isVisible() && (!fills || shown->geometry() == server().workArea());
+            },
+            20'000);
     }
     QString line() const { return m_line; } // the one that says() found
 
