@@ -7,6 +7,8 @@ namespace {
 // Positions and sizes come from the client; sums of them must not overflow.
 constexpr int kFarthest = 1 << 20;
 
+constexpr qsizetype kUnacknowledged = 16; // configures remembered of a client that is slow to answer
+
 int sane(int value) { return std::clamp(value, -kFarthest, kFarthest); }
 
 }
@@ -30,8 +32,10 @@ Qt::WindowType ShellSurface::type() const
 
 void ShellSurface::configure(const QRect &geometry, Qt::WindowStates states)
 {
-    m_given = geometry.topLeft();
     const uint32_t serial = m_compositor->nextSerial();
+    m_given.append({serial, geometry.topLeft()});
+    if (m_given.size() > kUnacknowledged)
+        m_given.removeFirst();
     send_set_position(serial, geometry.x(), geometry.y());
     send_resize(serial, geometry.width(), geometry.height());
     send_set_window_state(serial, static_cast<uint32_t>(states.toInt()));
@@ -55,7 +59,13 @@ void ShellSurface::zqt_shell_surface_v1_destroy(Resource *resource) { wl_resourc
 
 void ShellSurface::zqt_shell_surface_v1_reposition(Resource *, int32_t x, int32_t y)
 {
-    m_wanted.moveTo(sane(x), sane(y));
+    const QPoint position(sane(x), sane(y));
+    // Where an earlier configure put it, while a later one is on its way: the client only repeats what it heard.
+    for (qsizetype i = 0; i + 1 < m_given.size(); ++i) {
+        if (m_given.at(i).position == position)
+            return;
+    }
+    m_wanted.moveTo(position);
     Q_EMIT wishesChanged();
 }
 
@@ -94,7 +104,14 @@ void ShellSurface::zqt_shell_surface_v1_raise(Resource *) { Q_EMIT raiseRequeste
 
 void ShellSurface::zqt_shell_surface_v1_lower(Resource *) { Q_EMIT lowerRequested(); }
 
-void ShellSurface::zqt_shell_surface_v1_ack_configure(Resource *, uint32_t) { m_acknowledged = true; }
+void ShellSurface::zqt_shell_surface_v1_ack_configure(Resource *, uint32_t serial)
+{
+    while (m_given.size() > 1 && m_given.first().serial <= serial)
+        m_given.removeFirst();
+    m_acknowledged = true;
+    if (!m_given.isEmpty())
+        m_wanted.moveTo(m_given.last().position); // not every client says so itself; a later request is its own wish
+}
 
 Shell::Shell(QWaylandCompositor *compositor) : QWaylandCompositorExtensionTemplate<Shell>(compositor) { }
 

@@ -1,6 +1,7 @@
 // The shell protocol: what clients say of their windows, and what the server makes of them.
 #pragma once
 
+#include <QList>
 #include <QPointer>
 #include <QRect>
 #include <QSet>
@@ -59,7 +60,11 @@ private:
     Qt::WindowFlags m_flags = Qt::Window;
     Qt::WindowStates m_states;
     QRect m_wanted;
-    QPoint m_given; // the position of the last configure
+    struct Given {
+        uint32_t serial;
+        QPoint position;
+    };
+    QList<Given> m_given; // configures that the client has not acknowledged, and always the last one
     bool m_acknowledged = false;
 };
 
