@@ -78,7 +78,9 @@ bool ClientWindow::place(const Surroundings &surroundings)
         return false;
     const QRect given = ::place({kind(), isFullScreen(), !m_shell->knowsItsPlace(), wanted}, surroundings);
     const Answer answer{wanted, given, m_shell->states() & (Qt::WindowFullScreen | Qt::WindowMaximized)};
-    const bool granted = m_answer && wanted == given && answer.states == m_answer->states;
+    const bool told = m_answer && m_answer->given == given && m_answer->states == answer.states;
+    // A client that moved there by itself needs no answer, unless an earlier one may still bring it away again.
+    const bool granted = wanted == given && (told || (m_answer && m_shell->isSettled()));
     if (!granted && m_answer != answer)
         m_shell->configure(given, answer.states);
     m_answer = answer;

@@ -33,6 +33,7 @@ Qt::WindowType ShellSurface::type() const
 void ShellSurface::configure(const QRect &geometry, Qt::WindowStates states)
 {
     const uint32_t serial = m_compositor->nextSerial();
+    m_settled = false;
     m_given.append({serial, geometry.topLeft()});
     if (m_given.size() > kUnacknowledged)
         m_given.removeFirst();
@@ -109,6 +110,7 @@ void ShellSurface::zqt_shell_surface_v1_ack_configure(Resource *, uint32_t seria
     while (m_given.size() > 1 && m_given.first().serial <= serial)
         m_given.removeFirst();
     m_acknowledged = true;
+    m_settled = m_given.isEmpty() || m_given.last().serial <= serial;
     if (!m_given.isEmpty())
         m_wanted.moveTo(m_given.last().position); // not every client says so itself; a later request is its own wish
 }

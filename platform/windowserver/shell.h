@@ -26,6 +26,8 @@ public:
     // Before, the client's position is no wish of its own: it does not know yet where it was put.
     [[nodiscard]] bool knowsItsPlace() const { return m_acknowledged; }
 
+    [[nodiscard]] bool isSettled() const { return m_settled; } // no configure is on its way
+
     void configure(const QRect &geometry, Qt::WindowStates states);
     void requestClose();
 
@@ -66,6 +68,7 @@ private:
     };
     QList<Given> m_given; // configures that the client has not acknowledged, and always the last one
     bool m_acknowledged = false;
+    bool m_settled = true;
 };
 
 class Shell : public QWaylandCompositorExtensionTemplate<Shell>, public QtWaylandServer::zqt_shell_v1 {
