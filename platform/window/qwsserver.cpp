@@ -65,6 +65,8 @@ void QWSServer::setInputEnabled(bool on)
         theServer->m_backend->setInputEnabled(on);
 }
 
+int QWSServer::pendingInput() const { return m_backend->pendingInput(); }
+
 QList<QWSWindow *> QWSServer::clientWindows() const { return m_backend->windows(); }
 
 QWSWindow *QWSServer::window(int winId) const

@@ -1,47 +1,95 @@
 #include "platform/windowserver/clientbacklog.h"
 
 #include <QWaylandClient>
+#include <QWaylandCompositor>
 #include <QWaylandSurface>
 #include <poll.h>
 #include <wayland-server-core.h>
 
 namespace {
 
-// About as many events go into the socket and the library's buffer after the socket stopped being writable.
-constexpr int kPatience = 200;
+// Nobody types that far ahead of an application that is merely slow.
+constexpr std::size_t kPatience = 2000;
 
-bool reads(QWaylandClient &client)
+}
+
+void flushClient(const QWaylandSurface &surface)
 {
-    pollfd socket{wl_client_get_fd(client.client()), POLLOUT, 0};
-    return poll(&socket, 1, 0) != 0; // an error is found out by the next message
+    if (wl_client *client = surface.waylandClient())
+        wl_client_flush(client);
 }
 
+ClientBacklog::ClientBacklog(QWaylandClient *client)
+    : QObject(client), m_client(client), m_room(wl_client_get_fd(client->client()), QSocketNotifier::Write)
+{
+    m_room.setEnabled(false);
+    connect(&m_room, &QSocketNotifier::activated, this, &ClientBacklog::sendWaiting);
 }
 
-bool ClientBacklog::admits(const QWaylandSurface &surface, Event event)
+ClientBacklog *ClientBacklog::of(const QWaylandClient &client)
+{
+    return client.findChild<ClientBacklog *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+void ClientBacklog::deliver(QWaylandSurface &surface, QObject *context, Event event, std::function<void()> send)
 {
     QWaylandClient *client = surface.client();
     if (!client)
-        return false;
-    auto *backlog = client->findChild<ClientBacklog *>(QString(), Qt::FindDirectChildrenOnly);
+        return;
+    ClientBacklog *backlog = of(*client);
     if (!backlog)
         backlog = new ClientBacklog(client);
-    return backlog->admit(event);
+    Waiting waiting{&surface, context, std::move(send)};
+    if (backlog->m_waiting.empty() && backlog->hasRoom())
+        waiting.sendNow();
+    else if (event == Event::Needed)
+        backlog->wait(std::move(waiting));
 }
 
-bool ClientBacklog::admit(Event event)
+int ClientBacklog::waiting(const QWaylandCompositor &compositor)
 {
-    auto *client = static_cast<QWaylandClient *>(parent());
-    if (reads(*client)) {
-        m_unread = 0;
-        return true;
+    std::size_t count = 0;
+    for (const QWaylandClient *client : compositor.clients()) {
+        if (const ClientBacklog *backlog = of(*client))
+            count += backlog->m_waiting.size();
     }
-    if (event == Event::Droppable)
-        return false;
-    if (++m_unread == kPatience) {
-        qWarning("window server: process %lld does not read its events and is disconnected",
-            static_cast<long long>(client->processId()));
-        QMetaObject::invokeMethod(client, &QWaylandClient::close, Qt::QueuedConnection);
+    return static_cast<int>(count);
+}
+
+void ClientBacklog::Waiting::sendNow() const
+{
+    if (!surface || !context)
+        return;
+    send();
+    if (surface)
+        flushClient(*surface);
+}
+
+bool ClientBacklog::hasRoom() const
+{
+    pollfd socket{wl_client_get_fd(m_client->client()), POLLOUT, 0};
+    return poll(&socket, 1, 0) != 0; // an error is found out by the next message
+}
+
+void ClientBacklog::wait(Waiting event)
+{
+    if (m_waiting.size() >= kPatience)
+        return; // it is on its way out
+    m_waiting.push_back(std::move(event));
+    m_room.setEnabled(true);
+    if (m_waiting.size() < kPatience)
+        return;
+    qWarning("window server: process %lld does not read its events and is disconnected",
+        static_cast<long long>(m_client->processId()));
+    QMetaObject::invokeMethod(m_client, &QWaylandClient::close, Qt::QueuedConnection);
+}
+
+void ClientBacklog::sendWaiting()
+{
+    while (!m_waiting.empty() && hasRoom()) {
+        const Waiting event = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        event.sendNow();
     }
-    return m_unread < kPatience;
+    m_room.setEnabled(!m_waiting.empty());
 }

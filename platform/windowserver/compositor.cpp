@@ -2,6 +2,7 @@
 
 #include "platform/tyxexport.h"
 #include "platform/window/qwsserver.h"
+#include "platform/windowserver/clientbacklog.h"
 #include "platform/windowserver/framepacer.h"
 #include "platform/windowserver/input.h"
 #include "platform/windowserver/keyextension.h"
@@ -118,6 +119,8 @@ void Compositor::setKeyRepeat(int delay, int interval) { m_input->setRepeat(dela
 void Compositor::sendPointer(const PointerState &state) { m_input->sendPointer(state); }
 
 void Compositor::setInputEnabled(bool on) { m_input->setEnabled(on); }
+
+int Compositor::pendingInput() const { return ClientBacklog::waiting(*m_compositor); }
 
 QList<QWSWindow *> Compositor::windows() const { return m_scene->windows(); }
 

@@ -25,6 +25,7 @@ public:
     void setKeyRepeat(int delay, int interval) override;
     void sendPointer(const PointerState &state) override;
     void setInputEnabled(bool on) override;
+    [[nodiscard]] int pendingInput() const override;
     [[nodiscard]] QList<QWSWindow *> windows() const override;
     [[nodiscard]] QRect workArea() const override;
     void setWorkArea(const QRect &area) override;

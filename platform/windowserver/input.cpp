@@ -15,6 +15,7 @@
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 #include <QWindow>
+#include <memory>
 #include <qpa/qwindowsysteminterface.h>
 
 Input::Input(Scene &scene, KeyExtension &keys, QWaylandSeat &seat, QWidget *screen)
@@ -79,7 +80,7 @@ void Input::watchRepeat(const KeyStroke &stroke)
 void Input::repeat()
 {
     m_repeatTimer.setInterval(m_repeatInterval);
-    const KeyStroke stroke = *m_held;
+    const KeyStroke stroke = *m_held; // NOLINT(bugprone-unchecked-optional-access): the timer runs while one is held
     const QScopedValueRollback repeating(m_repeating, true);
     QWSServer::sendKeyEvent(stroke.unicode, stroke.keycode, stroke.modifiers, true, true); // filters see repeats too
 }
@@ -106,11 +107,11 @@ void Input::deliver(const KeyStroke &stroke)
 
 void Input::deliverTo(QWaylandSurface *surface, const QKeyEvent &event)
 {
-    if (!ClientBacklog::admits(*surface, ClientBacklog::Event::Needed))
-        return;
-    if (!m_keys.send(surface, event) && surface == m_seat.keyboardFocus())
-        m_seat.sendKeyEvent(event.key(), event.type() == QEvent::KeyPress); // a client of another toolkit
-    flushClient(*surface);
+    const std::shared_ptr<QKeyEvent> copy(event.clone());
+    ClientBacklog::deliver(*surface, surface, ClientBacklog::Event::Needed, [this, surface, copy] {
+        if (!m_keys.send(surface, *copy) && surface == m_seat.keyboardFocus())
+            m_seat.sendKeyEvent(copy->key(), copy->type() == QEvent::KeyPress); // a client of another toolkit
+    });
 }
 
 // The server's menus, and widgets of its own that were given the focus, come before the clients.

@@ -1,7 +1,5 @@
 #include "platform/windowserver/surfaceview.h"
 
-#include "platform/windowserver/clientbacklog.h"
-
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWaylandBufferRef>
@@ -35,25 +33,6 @@ public:
 private:
     wl_shm_buffer *m_buffer;
 };
-
-}
-
-void flushClient(const QWaylandSurface &surface)
-{
-    if (wl_client *client = surface.waylandClient())
-        wl_client_flush(client);
-}
-
-namespace {
-
-// Calls `send` with the seat, unless the client is gone or does not listen.
-template <typename Send> void tellPointer(const QWaylandSurface *surface, ClientBacklog::Event event, Send send)
-{
-    if (!surface || !ClientBacklog::admits(*surface, event))
-        return;
-    send(*surface->compositor()->defaultSeat());
-    flushClient(*surface);
-}
 
 }
 
@@ -118,21 +97,29 @@ void SurfaceView::paintEvent(QPaintEvent *event)
         painter.drawImage(rect, image, rect);
 }
 
+// Moves the pointer to where the event was, then lets `act` do the rest with the seat.
+void SurfaceView::tellPointer(ClientBacklog::Event event, Place place, std::function<void(QWaylandSeat &)> act)
+{
+    if (!surface())
+        return;
+    ClientBacklog::deliver(*surface(), this, event, [this, place, act = std::move(act)] {
+        QWaylandSeat &seat = *surface()->compositor()->defaultSeat();
+        seat.sendMouseMoveEvent(&m_view, place.local, place.global);
+        act(seat);
+    });
+}
+
 void SurfaceView::mousePressEvent(QMouseEvent *event)
 {
     Q_EMIT pressed();
-    tellPointer(surface(), ClientBacklog::Event::Needed, [this, event](QWaylandSeat &seat) {
-        seat.sendMouseMoveEvent(&m_view, event->position(), event->scenePosition());
-        seat.sendMousePressEvent(event->button());
-    });
+    tellPointer(ClientBacklog::Event::Needed, {event->position(), event->scenePosition()},
+        [button = event->button()](QWaylandSeat &seat) { seat.sendMousePressEvent(button); });
 }
 
 void SurfaceView::mouseReleaseEvent(QMouseEvent *event)
 {
-    tellPointer(surface(), ClientBacklog::Event::Needed, [this, event](QWaylandSeat &seat) {
-        seat.sendMouseMoveEvent(&m_view, event->position(), event->scenePosition());
-        seat.sendMouseReleaseEvent(event->button());
-    });
+    tellPointer(ClientBacklog::Event::Needed, {event->position(), event->scenePosition()},
+        [button = event->button()](QWaylandSeat &seat) { seat.sendMouseReleaseEvent(button); });
 }
 
 void SurfaceView::mouseDoubleClickEvent(QMouseEvent *event)
@@ -142,18 +129,16 @@ void SurfaceView::mouseDoubleClickEvent(QMouseEvent *event)
 
 void SurfaceView::mouseMoveEvent(QMouseEvent *event)
 {
-    tellPointer(surface(), ClientBacklog::Event::Droppable, [this, event](QWaylandSeat &seat) {
-        seat.sendMouseMoveEvent(&m_view, event->position(), event->scenePosition());
-    });
+    tellPointer(ClientBacklog::Event::Droppable, {event->position(), event->scenePosition()}, [](QWaylandSeat &) {});
 }
 
 void SurfaceView::wheelEvent(QWheelEvent *event)
 {
-    tellPointer(surface(), ClientBacklog::Event::Needed, [this, event](QWaylandSeat &seat) {
-        seat.sendMouseMoveEvent(&m_view, event->position(), event->globalPosition());
-        if (const int turned = event->angleDelta().y())
-            seat.sendMouseWheelEvent(Qt::Vertical, turned);
-        if (const int turned = event->angleDelta().x())
-            seat.sendMouseWheelEvent(Qt::Horizontal, turned);
-    });
+    tellPointer(ClientBacklog::Event::Needed, {event->position(), event->globalPosition()},
+        [turned = event->angleDelta()](QWaylandSeat &seat) {
+            if (turned.y())
+                seat.sendMouseWheelEvent(Qt::Vertical, turned.y());
+            if (turned.x())
+                seat.sendMouseWheelEvent(Qt::Horizontal, turned.x());
+        });
 }

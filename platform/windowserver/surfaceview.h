@@ -1,14 +1,15 @@
 // The widget that shows one surface of a client on the screen.
 #pragma once
 
+#include "platform/windowserver/clientbacklog.h"
+
+#include <QPointF>
 #include <QWaylandView>
 #include <QWidget>
 
 class QWaylandOutput;
+class QWaylandSeat;
 class QWaylandSurface;
-
-// Sends what was said to the surface's client now, not only when the event loop goes to sleep.
-void flushClient(const QWaylandSurface &surface);
 
 // Stacking, clipping, damage and the way of the pointer come from the widget; it is hidden while there is nothing to
 // show. Owned by the window that the surface shows; the scene decides where it stands.
@@ -40,7 +41,12 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
 
 private:
+    struct Place {
+        QPointF local;
+        QPointF global;
+    };
     void setContent(bool hasContent);
+    void tellPointer(ClientBacklog::Event event, Place place, std::function<void(QWaylandSeat &)> act);
 
     QWaylandView m_view;
     bool m_hasContent = false;

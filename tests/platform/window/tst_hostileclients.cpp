@@ -19,6 +19,7 @@ private Q_SLOTS:
     void secondRoleEndsTheClient();
     void floodLeavesRoomForOthers();
     void stoppedClientIsDisconnected();
+    void aBurstWaitsForItsReader();
     void coveredClientWaits();
     void foreignProgramShowsItsWindow();
 
@@ -86,6 +87,19 @@ void TstHostileClients::stoppedClientIsDisconnected()
     }
     QTRY_VERIFY(!client.hasWindows());
     ::kill(client.pid(), SIGCONT);
+}
+
+void TstHostileClients::aBurstWaitsForItsReader()
+{
+    constexpr int kKeys = 900;
+    for (int i = 0; i < kKeys; ++i) { // no event loop in between: the client cannot read as fast as this
+        QWSServer::sendKeyEvent(0, Qt::Key_F7, 0, true, false);
+        QWSServer::sendKeyEvent(0, Qt::Key_F7, 0, false, false);
+    }
+    QVERIFY(server().pendingInput() > 0);
+    for (int i = 0; i < kKeys; ++i)
+        QVERIFY(m_witness->says(QStringLiteral("witness press %1").arg(int(Qt::Key_F7))));
+    QCOMPARE(server().pendingInput(), 0);
 }
 
 void TstHostileClients::coveredClientWaits()
