@@ -24,6 +24,9 @@ std::optional<int> checkArguments(int argc, char **argv)
         "Where the screen is: offscreen, xcb (a window), vnc or linuxfb; the plug-in's own options follow a colon "
         "(vnc:port=5901). Default: xcb when DISPLAY is set, else offscreen");
     program.add_option("--size", size, "Size of the screen as WIDTHxHEIGHT in pixels (default 240x320)");
+    program.failure_message([](const CLI::App *app, const CLI::Error &error) {
+        return app->get_name() + ": " + error.what() + "; see " + app->get_name() + " --help\n";
+    });
     program.add_option("--group", group, "Members of this group may use the message bus too");
     try {
         program.parse(argc, argv);

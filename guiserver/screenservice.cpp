@@ -8,8 +8,18 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTimer>
+#include <chrono>
 
 namespace {
+
+using namespace std::chrono_literals;
+
+// A longer text comes in several requests, each after the answer to the one before: an application may be slow to read.
+constexpr qsizetype kMaxText = 500;
+// How often an answer looks whether the application has read everything, and when it gives up (after four seconds).
+constexpr auto kLookAgain = 2ms;
+constexpr int kLooks = 2000;
 
 using Row = Route<ScreenService>;
 
@@ -21,11 +31,16 @@ constexpr Row routes[] = {
     {"pointer(QCString,int,int,int)", &ScreenService::onPointer},
 };
 
+void refuse(const QCString &channel, const QString &reason)
+{
+    QCopChannel::send(channel, "failed(QString)", wire::pack(reason));
+}
+
 void answer(const QCString &channel, const QCString &message, const QByteArray &content = {})
 {
     // A picture of a large screen may be more than one message holds.
     if (!QCopChannel::send(channel, message, content))
-        QCopChannel::send(channel, "failed(QString)", wire::pack(QStringLiteral("the answer does not fit a message")));
+        refuse(channel, QStringLiteral("the answer does not fit a message"));
 }
 
 void pressAndRelease(int unicode, int keycode, int modifiers)
@@ -61,6 +76,17 @@ void ScreenService::receive(const QCString &message, const QByteArray &arguments
     dispatch<ScreenService>(routes, *this, message, arguments);
 }
 
+// So that the next request finds room: what is sent to an application that does not read ends in its disconnection.
+void ScreenService::answerWhenRead(const QCString &channel, int looks)
+{
+    if (QWSServer::instance()->pendingInput() == 0)
+        answer(channel, "done()");
+    else if (looks == 0)
+        refuse(channel, QStringLiteral("an application does not read its keys"));
+    else
+        QTimer::singleShot(kLookAgain, this, [this, channel, looks] { answerWhenRead(channel, looks - 1); });
+}
+
 void ScreenService::onShot(const QByteArray &arguments)
 {
     QCString channel;
@@ -91,7 +117,7 @@ void ScreenService::onKey(const QByteArray &arguments)
     if (!wire::unpack(arguments, channel, unicode, keycode, modifiers))
         return;
     pressAndRelease(unicode, keycode, modifiers);
-    answer(channel, "done()");
+    answerWhenRead(channel, kLooks);
 }
 
 void ScreenService::onText(const QByteArray &arguments)
@@ -100,9 +126,13 @@ void ScreenService::onText(const QByteArray &arguments)
     QString text;
     if (!wire::unpack(arguments, channel, text))
         return;
+    if (text.size() > kMaxText) {
+        refuse(channel, QStringLiteral("one request types at most %1 characters").arg(kMaxText));
+        return;
+    }
     for (const uint character : text.toUcs4())
         pressAndRelease(int(character), character == '\n' ? Qt::Key_Return : int(QChar::toUpper(character)), 0);
-    answer(channel, "done()");
+    answerWhenRead(channel, kLooks);
 }
 
 void ScreenService::onPointer(const QByteArray &arguments)
@@ -114,5 +144,5 @@ void ScreenService::onPointer(const QByteArray &arguments)
     if (!wire::unpack(arguments, channel, x, y, buttons))
         return;
     QWSServer::sendMouseEvent(QPoint(x, y), Qt::MouseButtons(QFlag(buttons)));
-    answer(channel, "done()");
+    answerWhenRead(channel, kLooks);
 }

@@ -22,6 +22,7 @@ public:
 
 private:
     void receive(const QCString &message, const QByteArray &arguments);
+    void answerWhenRead(const QCString &channel, int looks);
 
     QCopChannel m_channel;
 };

@@ -52,23 +52,28 @@ template <typename... T> std::optional<Reply> ask(const QCString &request, const
     return reply;
 }
 
-// The byte array of an answer named `expected`; nothing, with the error told, when it is another.
-std::optional<QByteArray> contentOf(const std::optional<Reply> &reply, const char *expected)
+// The answer when it has the expected name; nothing, with the error told, when it has another.
+std::optional<Reply> expect(const char *expected, std::optional<Reply> reply)
 {
-    if (!reply)
-        return {};
-    QByteArray content;
+    if (!reply || reply->message == expected)
+        return reply;
     QString reason;
-    if (reply->message == expected && wire::unpack(reply->content, content))
-        return content;
     std::ignore = wire::unpack(reply->content, reason);
     std::ignore = fail(QStringLiteral("the GUI server refused: ") + reason);
     return {};
 }
 
+std::optional<QByteArray> contentOf(const std::optional<Reply> &reply)
+{
+    QByteArray content;
+    if (!reply || !wire::unpack(reply->content, content))
+        return {};
+    return content;
+}
+
 int shot(const std::string &file)
 {
-    const auto png = contentOf(ask("shot(QCString)"), "shot(QByteArray)");
+    const auto png = contentOf(expect("shot(QByteArray)", ask("shot(QCString)")));
     if (!png)
         return Failed;
     if (file == "-") {
@@ -100,7 +105,7 @@ QString row(const QJsonObject &window)
 
 int list(bool json)
 {
-    const auto text = contentOf(ask("windows(QCString)"), "windows(QByteArray)");
+    const auto text = contentOf(expect("windows(QByteArray)", ask("windows(QCString)")));
     if (!text)
         return Failed;
     const QJsonDocument windows = QJsonDocument::fromJson(*text);
@@ -122,22 +127,33 @@ int key(const std::vector<std::string> &names)
                 + QStringLiteral(": no such key; names are those of Qt: Return, F6, Left, Ctrl+A"));
             return Usage;
         }
-        if (!ask("key(QCString,int,int,int)", 0, int(keys[0].key()), int(keys[0].keyboardModifiers())))
+        if (!expect(
+                "done()", ask("key(QCString,int,int,int)", 0, int(keys[0].key()), int(keys[0].keyboardModifiers()))))
             return Failed;
     }
     return Done;
 }
 
+// In pieces that end between characters: the server takes no more than 500 UTF-16 units at once.
 int type(const std::string &text)
 {
-    return ask("text(QCString,QString)", QString::fromStdString(text)) ? Done : Failed;
+    constexpr qsizetype kPiece = 100;
+    const QList<uint> characters = QString::fromStdString(text).toUcs4();
+    for (qsizetype i = 0; i < characters.size(); i += kPiece) {
+        const QList<uint> piece = characters.mid(i, kPiece);
+        const QString typed = QString::fromUcs4(reinterpret_cast<const char32_t *>(piece.constData()), piece.size());
+        if (!expect("done()", ask("text(QCString,QString)", typed)))
+            return Failed;
+    }
+    return Done;
 }
 
 // The pen goes down at the first point, through the others, and up at the last.
 int drag(const std::vector<int> &coordinates)
 {
     const auto point = [&](size_t i, Qt::MouseButton button) {
-        return ask("pointer(QCString,int,int,int)", coordinates[i], coordinates[i + 1], int(button)).has_value();
+        return expect("done()", ask("pointer(QCString,int,int,int)", coordinates[i], coordinates[i + 1], int(button)))
+            .has_value();
     };
     for (size_t i = 0; i + 1 < coordinates.size(); i += 2) {
         if (!point(i, Qt::LeftButton))
