@@ -3,8 +3,8 @@
 #include "appbase/application/zapplication_p.h"
 #include "appbase/messaging/route.h"
 #include "appbase/messaging/wire.h"
-
-#include <cstdlib>
+#include "platform/bus/busflush.h"
+#include "platform/system/fatal.h"
 
 namespace {
 
@@ -162,8 +162,10 @@ void ZApplicationData::onMasterReset(const QByteArray & /*arguments*/) { Q_EMIT 
 
 void ZApplicationData::onAmClosed(const QByteArray & /*arguments*/)
 {
-    if (restartFlag)
-        ::_Exit(0); // at once: the application manager is gone, and nobody would start what an orderly end waits for
+    if (!restartFlag)
+        return;
+    platform::busFlush();
+    platform::leave(0); // at once: the application manager is gone, and nobody answers what an orderly end waits for
 }
 
 void ZApplicationData::onModifyTimeZone(const QByteArray &arguments)
