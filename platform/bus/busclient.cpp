@@ -293,10 +293,14 @@ bool BusClient::event(QEvent *event)
     return true;
 }
 
+// What receivers add meanwhile waits for the next turn of the event loop: one that sends to its own channel would keep
+// the loop from everything else.
 void BusClient::dispatch()
 {
-    while (takeNext())
+    const quint64 end = m_taken + m_queue.size();
+    while ((!m_receivers.isEmpty() || m_taken < end) && takeNext())
         deliverNext();
+    wakeUp();
 }
 
 bool BusClient::takeNext()
@@ -304,6 +308,7 @@ bool BusClient::takeNext()
     while (m_receivers.isEmpty() && !m_queue.empty()) {
         m_current = std::move(m_queue.front());
         m_queue.pop_front();
+        ++m_taken;
         m_receivers = m_channels.value(m_current.channel);
     }
     return !m_receivers.isEmpty();

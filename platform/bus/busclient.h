@@ -78,6 +78,7 @@ private:
 
     QHash<QByteArray, QList<QCopChannel *>> m_channels;
     std::deque<Received> m_queue;
+    quint64 m_taken = 0; // out of the queue, ever
     Received m_current; // being delivered to m_receivers, one after the other
     QList<QCopChannel *> m_receivers;
     bool m_wakeUpPosted = false;

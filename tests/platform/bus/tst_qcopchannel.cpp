@@ -2,6 +2,7 @@
 #include <QEventLoop>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 #include "platform/bus/busbroker.h"
 #include "platform/bus/busflush.h"
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void withoutServerEverythingAnswersNo();
     void channelsWorkAgainAfterTheServerWasKilled();
     void oneProcessMayHostAndTakePart();
+    void answeringToOneselfLeavesTheLoopToOthers();
     void hostingTakesOverWhatTheProcessHad();
     void stoppedServerGetsWhatWasSentMeanwhile();
     void channelMayBeOlderThanTheApplication();
@@ -178,6 +180,25 @@ void TstQCopChannel::oneProcessMayHostAndTakePart()
     QCOMPARE(peer.line(), "opened");
     for (const char *name : {"1", "2", "3"})
         QCOMPARE(peer.line(), QByteArray("got p ") + name);
+}
+
+void TstQCopChannel::answeringToOneselfLeavesTheLoopToOthers()
+{
+    m_server.reset();
+    const auto broker = BusBroker::listen();
+    QVERIFY(broker);
+    QCopChannel channel("echo"); // the last message is still on its way when this ends
+    constexpr int kGiveUp = 200'000; // so that a loop that is kept from the timer ends
+    int rounds = 0;
+    bool rung = false;
+    connect(&channel, &QCopChannel::received, this, [&] {
+        if (!rung && ++rounds < kGiveUp)
+            QCopChannel::send("echo", "again");
+    });
+    QTimer::singleShot(1, this, [&] { rung = true; });
+    QVERIFY(QCopChannel::send("echo", "first"));
+    QTRY_VERIFY(rung);
+    QVERIFY(rounds < kGiveUp);
 }
 
 void TstQCopChannel::hostingTakesOverWhatTheProcessHad()
