@@ -93,23 +93,40 @@ bool BusClient::isRegistered(QByteArrayView channel)
         return host->isRegistered(channel);
     const quint32 token = ++m_token;
     const auto put = [&](QByteArray &out) { putQuery(out, {token, channel}); };
-    if (!isChannelName(channel) || !transmit(put) || !m_link->drain(kAnswerWait))
+    if (!isChannelName(channel) || isStuck() || !transmit(put))
         return false;
-    return waitForAnswer(token);
+    m_stuck = !m_link->drain(kAnswerWait);
+    return !m_stuck && waitForAnswer(token);
+}
+
+// A server that left one question unanswered is not asked again before it said something: a program that asks for
+// several channels as it starts would wait for each of them.
+bool BusClient::isStuck()
+{
+    if (m_stuck && m_link)
+        read({});
+    wakeUp();
+    return m_stuck;
+}
+
+void BusClient::read(std::chrono::milliseconds limit)
+{
+    if (m_link->waitForInput(limit) && !m_link->receive([this](const Frame &frame) { onFrame(frame); }))
+        lose();
 }
 
 bool BusClient::waitForAnswer(quint32 token)
 {
     m_answer.reset();
     for (const auto end = Clock::now() + kAnswerWait; m_link && Clock::now() < end;) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-        if (m_link->waitForInput(left) && !m_link->receive([this](const Frame &frame) { onFrame(frame); }))
-            lose();
+        read(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()));
         if (m_answer && m_answer->token == token)
             break;
     }
     wakeUp(); // for messages that came meanwhile
-    return m_answer && m_answer->token == token && m_answer->yes;
+    const bool answered = m_answer && m_answer->token == token;
+    m_stuck = m_link && !answered;
+    return answered && m_answer->yes;
 }
 
 void BusClient::flush(std::chrono::milliseconds limit)
@@ -126,6 +143,7 @@ bool BusClient::connectLink()
     if (!link)
         return false;
     m_link = std::move(*link);
+    m_stuck = false;
     m_inputWatch = std::make_unique<LoopWatch>(m_link->fd(), QSocketNotifier::Read, [this] { onInput(); });
     m_retryWatch.reset();
     registerAll();
@@ -193,6 +211,7 @@ void BusClient::onInput()
 
 void BusClient::onFrame(const Frame &frame)
 {
+    m_stuck = false;
     switch (frame.type) {
     case FrameType::Message:
         if (const auto message = readMessage(frame.payload))
@@ -229,6 +248,7 @@ void BusClient::lose()
     m_inputWatch.reset();
     m_roomWatch.reset();
     m_link.reset();
+    m_stuck = false;
     scheduleRetry();
 }
 

@@ -55,6 +55,8 @@ private:
     bool transmit(const PutFrame &put);
     bool write(const PutFrame &put);
     void watchForRoom();
+    bool isStuck();
+    void read(std::chrono::milliseconds limit);
     bool waitForAnswer(quint32 token);
     void onInput();
     void onFrame(const Frame &frame);
@@ -84,6 +86,7 @@ private:
     bool m_wakeUpPosted = false;
     quint32 m_token = 0;
     std::optional<Answer> m_answer;
+    bool m_stuck = false; // it left a question unanswered, and was silent since
 };
 
 }

@@ -17,19 +17,23 @@ class TYX_EXPORT QCopChannel : public QObject {
     Q_OBJECT
 
 public:
-    // Returns when the server knows the channel: whoever asks or sends from now on finds it.
+    // Returns when the server knows the channel: whoever asks or sends from now on finds it. A server that is stopped
+    // or busy is waited for once, up to 3 seconds; from then on this and isRegistered() return at once until it is
+    // heard of again.
     explicit QCopChannel(const QCString &channel, QObject *parent = nullptr);
     ~QCopChannel() override;
 
     [[nodiscard]] QCString channel() const;
 
     // Whether any process has the channel. Asks the server and waits for its answer; messages that arrive meanwhile are
-    // delivered later, from the event loop. False when no server runs.
+    // delivered later, from the event loop. False when no server runs, or does not answer (see the constructor).
     static bool isRegistered(const QCString &channel);
 
     // Sends a message (a name, as a rule a signature such as "raise()", and its arguments) to all who have the channel.
-    // True when it is on its way: it arrives even if this process ends now. False when no server runs, the channel's
-    // name is none, or the message with its names is larger than a frame of the bus (1 MiB).
+    // True when it was written to the server, or is kept until a busy server has room: a server that serves this
+    // process passes it on even if the process ends now. One that is about to refuse or end the connection does not;
+    // who must know asks isRegistered() afterwards. False when no server runs, the channel's name is none, or the
+    // message with its names is larger than a frame of the bus (1 MiB).
     static bool send(const QCString &channel, const QCString &msg);
     static bool send(const QCString &channel, const QCString &msg, const QByteArray &data);
 

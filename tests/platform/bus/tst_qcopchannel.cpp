@@ -9,6 +9,9 @@
 #include "tests/support/peerprocess.h"
 
 #include <csignal>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 using platform::BusBroker;
 
@@ -29,6 +32,7 @@ private Q_SLOTS:
     void answeringToOneselfLeavesTheLoopToOthers();
     void hostingTakesOverWhatTheProcessHad();
     void stoppedServerGetsWhatWasSentMeanwhile();
+    void silentServerIsAskedOnce();
     void channelMayBeOlderThanTheApplication();
     void twoServersAreOne();
     void channelMayBeDeletedWhileItReceives();
@@ -231,10 +235,41 @@ void TstQCopChannel::stoppedServerGetsWhatWasSentMeanwhile()
         ++sent;
     QVERIFY(sent >= 40); // 4 MiB are kept for it, and no more
     QVERIFY(sent < 50);
+    QVERIFY(!QCopChannel::isRegistered("c"));
     kill(pid_t(m_server->pid()), SIGCONT);
+    QTRY_VERIFY(QCopChannel::isRegistered("c"));
     QTRY_COMPARE(spy.size(), sent);
     for (int i = 0; i < sent; ++i)
         QCOMPARE(spy[i][0].value<QCString>(), QByteArray::number(i));
+}
+
+// Each question that is asked is waited for: how many were says whether the second one made anybody wait.
+void TstQCopChannel::silentServerIsAskedOnce()
+{
+    m_server.reset();
+    const QByteArray path = qgetenv("XDG_RUNTIME_DIR") + "/tyx-bus";
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address = {.sun_family = AF_UNIX, .sun_path = {}};
+    qstrncpy(address.sun_path, path.constData(), sizeof address.sun_path);
+    unlink(path.constData());
+    QCOMPARE(bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    QCOMPARE(listen(listener, 1), 0);
+    {
+        const QCopChannel first("c");
+        const QCopChannel second("d");
+        QVERIFY(!QCopChannel::isRegistered("c"));
+    }
+    const int connection = accept(listener, nullptr, nullptr);
+    QByteArray heard(4096, 0);
+    heard.resize(recv(connection, heard.data(), size_t(heard.size()), MSG_DONTWAIT));
+    close(connection);
+    close(listener);
+    const QByteArray query = QByteArray::fromHex("0000000651"); // the length of a channel named by one letter, Q
+    QCOMPARE(heard.count(query), 1);
+    QVERIFY(heard.contains(QByteArray::fromHex("000000025264"))); // the second channel was registered all the same
+    init();
+    const QCopChannel channel("c");
+    QVERIFY(QCopChannel::isRegistered("c")); // a server that answers is asked again
 }
 
 void TstQCopChannel::channelMayBeOlderThanTheApplication()
