@@ -10,6 +10,12 @@ namespace platform {
 using bus::Frame;
 using bus::FrameType;
 
+namespace {
+
+constexpr quint32 kToken = 1; // one question at a time
+
+}
+
 Result<std::unique_ptr<BusInspector>> BusInspector::open()
 {
     auto link = bus::BusLink::open();
@@ -22,24 +28,41 @@ BusInspector::BusInspector(std::unique_ptr<bus::BusLink> link) : m_link(std::mov
 
 BusInspector::~BusInspector() = default;
 
-std::optional<QList<BusInspector::Registration>> BusInspector::registrations()
+bool BusInspector::await(const std::function<bool(const Frame &)> &isLast)
 {
-    constexpr quint32 kToken = 1;
-    bus::putToken(m_link->tail(), FrameType::List, kToken);
-    QList<Registration> all;
     bool done = false;
+    bool open = true;
     const auto onFrame = [&](const Frame &frame) {
         if (frame.type == FrameType::Goodbye)
             m_goodbye = frame.payload.toByteArray();
-        else if (frame.type == FrameType::Done)
-            done = true;
-        else if (const auto entry = frame.type == FrameType::Entry ? bus::readEntry(frame.payload) : std::nullopt)
-            all.append({entry->channel.toByteArray(), entry->pid});
+        done = isLast(frame) || done;
     };
-    bool alive = m_link->drain(bus::kAnswerWait);
-    while (alive && !done)
-        alive = m_link->waitForInput(bus::kAnswerWait) && m_link->receive(onFrame);
-    if (!done)
+    m_link->drain(bus::kAnswerWait); // a server that closed the connection may still have said why
+    while (open && !done && m_link->waitForInput(bus::kAnswerWait))
+        open = m_link->receive(onFrame);
+    m_silent = open && !done;
+    return done;
+}
+
+bool BusInspector::fits(const Sent &sent) { return bus::fitsFrame({sent.channel, sent.message, sent.data}); }
+
+bool BusInspector::send(const Sent &sent)
+{
+    bus::putMessage(m_link->tail(), {sent.channel, sent.message, sent.data});
+    bus::putQuery(m_link->tail(), {kToken, sent.channel}); // its answer says that the message was taken
+    return await([](const Frame &frame) { return frame.type == FrameType::Answer; });
+}
+
+std::optional<QList<BusInspector::Registration>> BusInspector::registrations()
+{
+    bus::putToken(m_link->tail(), FrameType::List, kToken);
+    QList<Registration> all;
+    const bool whole = await([&](const Frame &frame) {
+        if (const auto entry = frame.type == FrameType::Entry ? bus::readEntry(frame.payload) : std::nullopt)
+            all.append({entry->channel.toByteArray(), entry->pid});
+        return frame.type == FrameType::Done;
+    });
+    if (!whole)
         return {};
     std::sort(all.begin(), all.end());
     return all;

@@ -7,6 +7,9 @@
 #include <QTest>
 
 #include "platform/bus/busbroker.h"
+#include "platform/bus/businspector.h"
+
+#include <vector>
 
 using platform::BusBroker;
 
@@ -19,6 +22,7 @@ private Q_SLOTS:
     void cleanup() { m_broker.reset(); }
     void sendWritesTheArgumentsAsTheyAreTyped_data();
     void sendWritesTheArgumentsAsTheyAreTyped();
+    void refusedSenderIsToldWhy();
     void listNamesChannelsAndProcesses();
     void monitorShowsWhatOthersSend();
     void waitEndsWhenTheChannelAppearsOrInTime();
@@ -109,6 +113,24 @@ void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped()
     QTRY_COMPARE(spy.size(), 1);
     QCOMPARE(spy[0][0].value<QCString>(), "m()");
     QCOMPARE(spy[0][1].toByteArray().toHex(), data);
+}
+
+void TstTyxBus::refusedSenderIsToldWhy()
+{
+    m_broker.reset();
+    auto broker = BusBroker::listen({.greetingWait = std::chrono::minutes(10)});
+    QVERIFY(broker);
+    m_broker = std::move(*broker);
+    std::vector<std::unique_ptr<platform::BusInspector>> others;
+    for (int i = 0; i < 256; ++i) { // all that the bus serves
+        auto other = platform::BusInspector::open();
+        QVERIFY(other);
+        others.push_back(std::move(*other));
+        m_broker->process();
+    }
+    const Outcome sent = run(words("send c m"));
+    QCOMPARE(sent.err, QByteArray("tyx: the phone closed the connection: too many clients, the bus serves 256\n"));
+    QCOMPARE(sent.exit, 3);
 }
 
 void TstTyxBus::listNamesChannelsAndProcesses()

@@ -50,9 +50,9 @@ int failNoServer(const platform::SysError &error)
 
 int failGone(const BusInspector &bus)
 {
-    return fail(bus.goodbye().isEmpty()
-            ? QStringLiteral("the phone has stopped")
-            : QStringLiteral("the phone closed the connection: ") + printable(bus.goodbye()));
+    if (!bus.goodbye().isEmpty())
+        return fail(QStringLiteral("the phone closed the connection: ") + printable(bus.goodbye()));
+    return fail(bus.isSilent() ? QStringLiteral("the phone does not answer") : QStringLiteral("the phone has stopped"));
 }
 
 int send(const Options &options)
@@ -65,13 +65,16 @@ int send(const Options &options)
         std::ignore = fail(data.error());
         return Usage;
     }
-    if (const auto bus = BusInspector::open(); !bus)
+    const auto bus = BusInspector::open();
+    if (!bus)
         return failNoServer(bus.error());
-    if (!QCopChannel::send(options.channel.c_str(), options.message.c_str(), *data))
+    const BusInspector::Sent message = {
+        .pid = 0, .channel = options.channel, .message = options.message, .data = *data};
+    if (!BusInspector::fits(message))
         return fail(QStringLiteral("the message to \"%1\" was not sent: a channel name has 1 to 255 bytes, a message "
                                    "with its names at most 1 MiB")
                         .arg(QString::fromStdString(options.channel)));
-    return Done;
+    return (*bus)->send(message) ? int(Done) : failGone(**bus);
 }
 
 QJsonObject json(const BusInspector::Sent &sent)
