@@ -241,6 +241,7 @@ BusBroker::BusBroker(std::unique_ptr<Data> data) : d(std::move(data))
 
 BusBroker::~BusBroker()
 {
+    flush(d->options.endingWait);
     if (!d->standard)
         return;
     hostedBroker = nullptr;

@@ -30,6 +30,7 @@ struct BusOptions {
     QByteArray group = {}; // members of this group may connect too; empty: only this user and root
     std::chrono::milliseconds greetingWait = bus::kGreetingWait;
     std::chrono::milliseconds farewellWait = bus::kFarewellWait;
+    std::chrono::milliseconds endingWait = bus::kEndingWait;
 };
 
 // Takes the messages for the broker's own process. Called while the broker is at work: it may only remember them.
@@ -46,6 +47,7 @@ public:
     // Fails with EADDRINUSE when a broker is alive at that place already. With a QCoreApplication the broker works from
     // its event loop; otherwise, and at any time, from process().
     static Result<std::unique_ptr<BusBroker>> listen(const BusOptions &options = {});
+    // Waits a moment (BusOptions::endingWait) for clients that are slow to read what was sent to them.
     ~BusBroker();
     BusBroker(const BusBroker &) = delete;
     BusBroker &operator=(const BusBroker &) = delete;

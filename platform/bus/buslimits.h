@@ -16,6 +16,7 @@ constexpr qsizetype kMaxBacklog = qsizetype{4} * 1024 * 1024; // bytes that a cl
 
 constexpr std::chrono::milliseconds kGreetingWait{5'000};
 constexpr std::chrono::milliseconds kFarewellWait{5'000}; // for a client that is sent away to read why
+constexpr std::chrono::milliseconds kEndingWait{200}; // for clients to read what a server that ends still has for them
 constexpr std::chrono::milliseconds kAnswerWait{3'000}; // a server that is stopped is not waited for any longer
 constexpr std::chrono::milliseconds kRoomWait{200}; // a sender lets the server catch up, then keeps what it sends
 constexpr std::chrono::milliseconds kConnectWait{1'000}; // with a full queue of new connections

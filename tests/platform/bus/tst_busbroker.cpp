@@ -1,3 +1,4 @@
+#include "platform/bus/buslink.h"
 #include "tests/support/rawbusclient.h"
 
 #include <QFile>
@@ -6,10 +7,12 @@
 #include <pwd.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
 using namespace std::chrono_literals;
+using namespace platform::bus;
 using platform::BusBroker;
 using platform::BusOptions;
 
@@ -31,6 +34,7 @@ private Q_SLOTS:
     void channelsOfAClientAreLimited();
     void withoutDescriptorsConnectionsWait();
     void leavingClientsAreForgotten();
+    void endingBrokerWaitsForSlowReaders();
 
 private:
     void listen(const BusOptions &options);
@@ -239,6 +243,29 @@ void TstBusBroker::leavingClientsAreForgotten()
     client.closeNow();
     QCOMPARE(m_bystander->next(), "M last words");
     QTRY_VERIFY(!m_broker->isRegistered("c"));
+}
+
+void TstBusBroker::endingBrokerWaitsForSlowReaders()
+{
+    m_broker.reset();
+    listen({.socketPath = "/tmp/tst-bus", .endingWait = 60s});
+    const auto slow = BusLink::open(m_broker->socketPath());
+    QVERIFY(slow);
+    putChannel((*slow)->tail(), FrameType::Register, "slow");
+    QCOMPARE((*slow)->flush(), SendBuffer::State::Empty);
+    QTRY_VERIFY((m_broker->process(), m_broker->isRegistered("slow")));
+    const QByteArray data(100'000, 'd');
+    for (int i = 0; i < 20; ++i) // more than its socket holds
+        QVERIFY(m_bystander->send("slow", "m", data));
+
+    int messages = 0;
+    std::thread reading([&] {
+        while ((*slow)->receive([&](const Frame &frame) { messages += int(frame.type == FrameType::Message); }))
+            std::ignore = (*slow)->waitForInput(-1ms);
+    });
+    m_broker.reset();
+    reading.join();
+    QCOMPARE(messages, 20);
 }
 
 QTEST_GUILESS_MAIN(TstBusBroker)
