@@ -26,6 +26,8 @@ private Q_SLOTS:
     void listNamesChannelsAndProcesses();
     void monitorShowsWhatOthersSend();
     void waitEndsWhenTheChannelAppearsOrInTime();
+    void impossibleNumbersAreRefused_data();
+    void impossibleNumbersAreRefused();
     void withoutServerTheCureIsNamed_data();
     void withoutServerTheCureIsNamed();
 
@@ -177,6 +179,23 @@ void TstTyxBus::waitEndsWhenTheChannelAppearsOrInTime()
     QVERIFY(waiting.waitForStarted());
     const QCopChannel channel("c");
     QCOMPARE(finish(waiting).exit, 0);
+}
+
+void TstTyxBus::impossibleNumbersAreRefused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    for (const char *arguments : {"wait c --timeout nan", "wait c --timeout 1e300", "wait c --timeout -1",
+             "monitor --count 0", "monitor --count nan"})
+        QTest::newRow(arguments) << words(arguments);
+}
+
+void TstTyxBus::impossibleNumbersAreRefused()
+{
+    QFETCH(QStringList, arguments);
+    const Outcome outcome = run(arguments);
+    QCOMPARE(outcome.exit, 2);
+    const QByteArray said = "\"" + arguments.last().toLatin1() + "\" should be ";
+    QVERIFY2(outcome.err.contains(said), outcome.err.constData());
 }
 
 void TstTyxBus::withoutServerTheCureIsNamed_data()

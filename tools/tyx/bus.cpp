@@ -149,6 +149,17 @@ int wait(const Options &options)
     return Done;
 }
 
+// CLI11's own ranges let "nan" pass, and say no short text.
+CLI::Validator numberFrom(double least, double most, const std::string &text)
+{
+    const auto check = [=](const std::string &word) {
+        double number = 0;
+        const bool fits = CLI::detail::lexical_cast(word, number) && number >= least && number <= most;
+        return fits ? std::string() : "\"" + word + "\" should be " + text;
+    };
+    return {check, text};
+}
+
 using Action = int (*)(const Options &);
 
 CLI::App *add(CLI::App &bus, const char *name, const char *help, std::function<void()> run)
@@ -177,7 +188,8 @@ void addBus(CLI::App &app, int &exit)
     CLI::App *watching =
         add(*bus, "monitor", "Prints all messages: sender, channel, name, size, bytes.", running(monitor));
     watching->add_option("channel", options->channels, "Only these channels");
-    watching->add_option("--count", options->count, "Stops after so many messages")->check(CLI::PositiveNumber);
+    watching->add_option("--count", options->count, "Stops after so many messages")
+        ->check(numberFrom(1, 1e9, "a number from 1 to 1000000000"));
     watching->add_flag("--json", options->json, "One JSON object a line");
 
     CLI::App *listing = add(*bus, "list", "Lists the channels and the processes that have them.", running(list));
@@ -186,7 +198,8 @@ void addBus(CLI::App &app, int &exit)
     CLI::App *waiting =
         add(*bus, "wait", "Waits until a process has the channel; 1 when none has in time.", running(wait));
     waiting->add_option("channel", options->channel, "Channel")->required();
-    waiting->add_option("--timeout", options->timeout, "Seconds, 10 by default")->check(CLI::NonNegativeNumber);
+    waiting->add_option("--timeout", options->timeout, "Seconds, 10 by default")
+        ->check(numberFrom(0, 86'400, "seconds from 0 to 86400"));
 }
 
 }
