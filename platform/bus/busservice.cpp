@@ -5,6 +5,12 @@ namespace platform {
 
 using bus::FrameType;
 
+namespace {
+
+constexpr auto kUnread = "4 MiB of messages were left unread";
+
+}
+
 bool BusBroker::Data::handle(Peer &peer, const bus::Frame &frame)
 {
     const bool served = peer.phase == Peer::Phase::Greeting ? greet(peer, frame) : serve(peer, frame);
@@ -111,9 +117,19 @@ void BusBroker::Data::tellObservers(const Peer &from, const bus::Frame &frame)
 
 void BusBroker::Data::list(Peer &peer, quint32 token)
 {
+    // Others decide how long it is, so it is looked at as it grows. Nobody is sent away meanwhile: that changes routes.
+    bool unread = false;
     routes.forEach([&](QByteArrayView channel, const Peer *owner) {
+        if (unread)
+            return;
         bus::putEntry(peer.out.tail(), {token, owner->identity.pid, channel});
+        if (peer.out.backlog() > bus::kMaxBacklog) {
+            peer.out.flush(peer.socket.get());
+            unread = peer.out.backlog() > bus::kMaxBacklog;
+        }
     });
+    if (unread)
+        return dismiss(peer, kUnread);
     bus::putToken(peer.out.tail(), FrameType::Done, token);
     touch(peer);
 }
@@ -134,7 +150,7 @@ void BusBroker::Data::touch(Peer &peer)
     if (peer.out.backlog() > bus::kMaxBacklog && peer.phase == Peer::Phase::Serving) {
         write(peer);
         if (peer.out.backlog() > bus::kMaxBacklog)
-            dismiss(peer, "4 MiB of messages were left unread");
+            dismiss(peer, kUnread);
     }
 }
 
