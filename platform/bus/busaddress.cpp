@@ -29,8 +29,23 @@ Result<> checkGivenFolder(const char *folder)
         return failed("runtime folder named by XDG_RUNTIME_DIR");
     if (!S_ISDIR(info.st_mode))
         return failed("runtime folder named by XDG_RUNTIME_DIR", ENOTDIR);
+    if (*folder != '/')
+        return failed("runtime folder named by XDG_RUNTIME_DIR is not named from the root", EINVAL);
     if ((info.st_mode & S_IWOTH) != 0)
         return failed("runtime folder named by XDG_RUNTIME_DIR is writable for everybody", EPERM);
+    return {};
+}
+
+// The server's: clients of a shared bus may use a folder of another user, see isTrusted().
+Result<> checkServedFolder(const char *folder, bool shared)
+{
+    struct stat info = {};
+    if (stat(folder, &info) != 0)
+        return failed("runtime folder named by XDG_RUNTIME_DIR");
+    if (info.st_uid != geteuid() && info.st_uid != 0)
+        return failed("runtime folder named by XDG_RUNTIME_DIR belongs to another user", EPERM);
+    if ((info.st_mode & S_IWGRP) != 0 && !shared)
+        return failed("runtime folder named by XDG_RUNTIME_DIR is writable for its group", EPERM);
     return {};
 }
 
@@ -135,6 +150,18 @@ bool isMember(int socket, gid_t primary, gid_t group)
     return groups.contains(group);
 }
 
+// Whoever owns the socket's folder can put any bus there; nobody else should have.
+bool isTrusted(int socket, const QByteArray &path)
+{
+    ucred server = {};
+    socklen_t size = sizeof server;
+    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &server, &size) != 0)
+        return false;
+    struct stat folder = {};
+    return server.uid == geteuid() || server.uid == 0
+        || (stat(path.first(path.lastIndexOf('/') + 1).constData(), &folder) == 0 && server.uid == folder.st_uid);
+}
+
 }
 
 Result<QByteArray> standardSocket()
@@ -146,10 +173,15 @@ Result<QByteArray> standardSocket()
     return QByteArray(folder + kSocketName);
 }
 
-Result<QByteArray> makeStandardSocket()
+Result<QByteArray> makeStandardSocket(bool shared)
 {
-    if (!givenFolder() && mkdir(ownFolder().constData(), 0700) != 0 && errno != EEXIST)
+    const auto given = givenFolder();
+    if (given) {
+        if (const auto checked = checkServedFolder(given->constData(), shared); !checked)
+            return tl::make_unexpected(checked.error());
+    } else if (mkdir(ownFolder().constData(), 0700) != 0 && errno != EEXIST) {
         return failed("mkdir of the runtime folder under /tmp");
+    }
     return standardSocket();
 }
 
@@ -183,6 +215,8 @@ Result<Fd> connectTo(const QByteArray &path)
     setsockopt(socket->get(), SOL_SOCKET, SO_SNDTIMEO, &wait, sizeof wait);
     if (connect(socket->get(), generic(*address), sizeof *address) != 0)
         return failed("connect");
+    if (!isTrusted(socket->get(), path))
+        return failed("server of the bus", EACCES);
     if (fcntl(socket->get(), F_SETFL, O_NONBLOCK) != 0)
         return failed("fcntl");
     return socket;

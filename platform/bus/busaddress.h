@@ -10,11 +10,12 @@
 namespace platform::bus {
 
 // $XDG_RUNTIME_DIR/tyx-bus, or, when that is unset or empty, /tmp/tyx-<user id>/tyx-bus. The folder must be there,
-// belong to nobody that could lend us a false bus, and the path must fit a socket address (107 bytes).
+// be named from the root, and not let everybody pose as the bus.
 Result<QByteArray> standardSocket();
 
-// As above, and makes the folder under /tmp (mode 0700) when it is missing.
-Result<QByteArray> makeStandardSocket();
+// As above for the server: makes the folder under /tmp (mode 0700) when it is missing. A given folder must belong to us
+// or root; its group may write there only if the bus is shared with a group.
+Result<QByteArray> makeStandardSocket(bool shared = false);
 
 struct Listener {
     Fd socket;
@@ -23,9 +24,11 @@ struct Listener {
 };
 
 // A listening socket at `path`. A socket that a crashed broker left is replaced; EADDRINUSE when a broker is alive.
-// With a group its members may connect (mode 0660), else only the same user and root (0600).
+// With a group its members may connect (mode 0660), else only the same user and root (0600). The path has at most 103
+// bytes: the socket is made under a name that is 4 longer.
 Result<Listener> listenAt(const QByteArray &path, const QByteArray &group);
 
+// EACCES when the server is not run by this user, root, or the owner of the socket's folder.
 Result<Fd> connectTo(const QByteArray &path);
 
 struct PeerIdentity {

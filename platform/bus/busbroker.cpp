@@ -218,7 +218,8 @@ void BusBroker::Data::armTimer()
 Result<std::unique_ptr<BusBroker>> BusBroker::listen(const BusOptions &options)
 {
     const bool standard = options.socketPath.isEmpty();
-    const auto path = standard ? bus::makeStandardSocket() : Result<QByteArray>(options.socketPath);
+    const auto path =
+        standard ? bus::makeStandardSocket(!options.group.isEmpty()) : Result<QByteArray>(options.socketPath);
     if (!path)
         return tl::make_unexpected(path.error());
     auto listener = bus::listenAt(*path, options.group);

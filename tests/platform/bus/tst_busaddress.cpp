@@ -1,3 +1,4 @@
+// Where the socket of the bus is, who may use it, and what is done about one that is left over.
 #include "platform/bus/busaddress.h"
 
 #include <QDir>
@@ -67,6 +68,13 @@ void TstBusAddress::givenFolderIsTakenUnlessAnybodyMayWriteThere()
     QCOMPARE(makeStandardSocket().value(), "/tmp/place/tyx-bus");
     qputenv("XDG_RUNTIME_DIR", "/tmp");
     QCOMPARE(errorOf(makeStandardSocket()), EPERM);
+    QCOMPARE(chmod("/tmp/place", 0770), 0);
+    QCOMPARE(errorOf(makeStandardSocket()), EPERM);
+    QVERIFY(makeStandardSocket(true));
+    QCOMPARE(chmod("/tmp/place", 0700), 0);
+    QVERIFY(QDir::setCurrent(QStringLiteral("/tmp")));
+    qputenv("XDG_RUNTIME_DIR", "place");
+    QCOMPARE(errorOf(standardSocket()), EINVAL);
     qputenv("XDG_RUNTIME_DIR", "/tmp/place/absent");
     QCOMPARE(errorOf(makeStandardSocket()), ENOENT);
     QVERIFY(!QFile::exists(QStringLiteral("/tmp/place/absent")));
