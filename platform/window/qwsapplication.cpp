@@ -2,6 +2,7 @@
 
 #include "platform/bus/busbroker.h"
 #include "platform/bus/busflush.h"
+#include "platform/bus/businspector.h"
 #include "platform/system/fatal.h"
 #include "platform/window/qwsdecoration.h"
 #include "platform/window/qwsserver.h"
@@ -14,6 +15,7 @@
 #include <QMouseEvent>
 #include <QWidget>
 #include <QWindow>
+#include <grp.h>
 #include <optional>
 
 class QWSApplicationData {
@@ -97,10 +99,16 @@ QWSApplication::QWSApplication(int &argc, char **argv, Type applicationType)
 void QWSApplication::startServer()
 {
     const ServerOptions &options = startup::serverOptions();
+    if (!options.group.isEmpty() && getgrnam(options.group.constData()) == nullptr)
+        startup::giveUp(QStringLiteral("cannot serve the message bus: there is no group \"%1\"")
+                            .arg(QString::fromLocal8Bit(options.group)),
+            1);
     // The bus comes first: a client that finds the screen finds the bus too.
     auto broker = platform::BusBroker::listen({.socketPath = {}, .group = options.group});
     if (!broker)
-        startup::giveUp(QStringLiteral("cannot serve the message bus: ") + broker.error().text(), 1);
+        startup::giveUp(QStringLiteral("cannot serve the message bus at %1: %2")
+                            .arg(QString::fromLocal8Bit(platform::BusInspector::socketPath()), broker.error().text()),
+            1);
     d->broker = std::move(*broker);
     auto backend = loadWindowServer();
     if (!backend)
