@@ -73,7 +73,7 @@ public:
     void flush(std::chrono::milliseconds limit);
 
 private:
-    struct Data;
+    struct TYX_HIDDEN Data;
     explicit BusBroker(std::unique_ptr<Data> data);
 
     std::unique_ptr<Data> d;
