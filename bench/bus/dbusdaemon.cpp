@@ -1,3 +1,4 @@
+// A private dbus-daemon for the two D-Bus rivals.
 #include "bench/bus/endpoint.h"
 
 #include <csignal>

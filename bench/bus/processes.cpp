@@ -1,3 +1,4 @@
+// Starts the processes of one measurement and ends them.
 #include "bench/bus/processes.h"
 
 #include "bench/bus/endpoint.h"

@@ -1,3 +1,4 @@
+// The rival QtDBus: the endpoint of a measurement over a session bus.
 #include "bench/bus/endpoint.h"
 #include "bench/bus/qtloop.h"
 

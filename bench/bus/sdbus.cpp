@@ -1,3 +1,4 @@
+// The rival sd-bus: the endpoint of a measurement over a session bus.
 #include "bench/bus/endpoint.h"
 
 #include <systemd/sd-bus.h>

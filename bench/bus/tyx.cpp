@@ -1,3 +1,4 @@
+// This bus as the endpoint of a measurement.
 #include "bench/bus/endpoint.h"
 #include "bench/bus/qtloop.h"
 #include "platform/bus/busbroker.h"

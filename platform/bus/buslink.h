@@ -1,7 +1,6 @@
 // A client's connection to the broker: greets, writes frames, hands out the frames that come.
 //
-// For the one client of a process, and for tools. A frame's views are valid during the
-// call that hands it out.
+// For the one client of a process, and for tools. A frame's views are valid during the call that hands it out.
 #pragma once
 
 #include "platform/bus/busframe.h"

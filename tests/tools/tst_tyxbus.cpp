@@ -1,3 +1,4 @@
+// The command `tyx bus`: what it prints, what it answers, and its errors.
 #include <QCopChannel>
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,3 +1,4 @@
+// The bytes of values in messages: as written, read back, cut anywhere, and with lengths that lie.
 #include "appbase/messaging/wire.h"
 
 #include <QTest>

@@ -1,3 +1,4 @@
+// The example in docs/bus.md, run as it is printed there.
 #include <QCopChannel>
 #include <QFile>
 #include <QProcess>
@@ -5,7 +6,6 @@
 #include <QTest>
 
 #include "platform/bus/busbroker.h"
-#include "platform/bus/buslimits.h"
 
 // docs/bus.md is a promise to programs that do not use this library.
 class TstBusDoc : public QObject {
@@ -14,7 +14,6 @@ class TstBusDoc : public QObject {
 private Q_SLOTS:
     void initTestCase();
     void pythonClientTalksToTheBus();
-    void limitsAreTheOnesInTheCode();
 
 private:
     QString m_page;
@@ -52,21 +51,6 @@ void TstBusDoc::pythonClientTalksToTheBus()
     QCOMPARE(python.exitCode(), 0);
     QCOMPARE(python.readAllStandardOutput(),
         "here hello " + pid + "\nthere hello " + pid + "\nthere both() 00ff\nthere stop \n");
-}
-
-void TstBusDoc::limitsAreTheOnesInTheCode()
-{
-    using namespace platform::bus;
-    const auto says = [this](const QString &text) { return m_page.contains(text); };
-    QVERIFY(says(QStringLiteral("1 to 1 048 576")) && kMaxFrame == 1'048'576);
-    QVERIFY(says(QStringLiteral("%1 bytes before the greeting").arg(kMaxGreeting)));
-    QVERIFY(says(QStringLiteral("1 to %1 bytes, no NUL").arg(kMaxChannelName)));
-    QVERIFY(says(QStringLiteral("channels of one client | %1 |").arg(kMaxChannelsPerClient)));
-    QVERIFY(says(QStringLiteral("clients | %1 |").arg(kMaxClients)));
-    QVERIFY(says(QStringLiteral("%1 seconds after connecting").arg(kGreetingWait.count() / 1000)));
-    QVERIFY(says(QStringLiteral("%1 MiB beyond").arg(kMaxBacklog / 1024 / 1024)));
-    QVERIFY(says(QStringLiteral("%1 seconds to read it").arg(kFarewellWait.count() / 1000)));
-    QVERIFY(says(QStringLiteral("after %1 ms").arg(kRetryFirst.count())));
 }
 
 QTEST_GUILESS_MAIN(TstBusDoc)

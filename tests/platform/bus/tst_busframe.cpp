@@ -1,3 +1,4 @@
+// The bytes of each frame, damaged frames, and what becomes of half-written ones.
 #include "platform/bus/busframe.h"
 #include "platform/bus/bussendbuffer.h"
 #include "platform/system/fd.h"
@@ -18,7 +19,6 @@ private Q_SLOTS:
     void damagedPayloadsAreNothing_data();
     void damagedPayloadsAreNothing();
     void lengthsAreJudgedBeforeTheBytesAreThere();
-    void piecesOfAnySizeMakeTheSameFrames();
     void largestMessageFitsForObserversToo();
     void farewellFollowsTheHalfWrittenFrame();
 };
@@ -157,26 +157,6 @@ void TstBusFrame::lengthsAreJudgedBeforeTheBytesAreThere()
     QCOMPARE(cutFrame(hex("00100001")).state, Cut::Impossible);
     QCOMPARE(cutFrame(hex("00100000")).state, Cut::Incomplete);
     QCOMPARE(cutFrame(hex("00000041"), kMaxGreeting).state, Cut::Impossible);
-}
-
-void TstBusFrame::piecesOfAnySizeMakeTheSameFrames()
-{
-    QByteArray stream;
-    for (int size : {0, 1, 5, 700, 3, 70'000, 2})
-        putMessage(stream, {"c", "m", QByteArray(size, 'd')});
-    for (qsizetype piece : {1, 2, 7, 4096, 1'000'000}) {
-        FrameReader reader;
-        QByteArray joined;
-        for (qsizetype at = 0; at < stream.size(); at += piece) {
-            const bool fine = reader.feed(
-                QByteArrayView(stream).sliced(at, std::min(piece, stream.size() - at)), [&](const Frame &frame) {
-                    joined += frame.bytes.toByteArray();
-                    return true;
-                });
-            QVERIFY(fine);
-        }
-        QVERIFY(joined == stream);
-    }
 }
 
 void TstBusFrame::largestMessageFitsForObserversToo()

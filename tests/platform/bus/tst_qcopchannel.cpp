@@ -1,3 +1,4 @@
+// Channels as applications use them, between processes, and what they do when the server ends or is stopped.
 #include <QCopChannel>
 #include <QEventLoop>
 #include <QSignalSpy>
