@@ -17,8 +17,6 @@ using config::ConfigText;
 
 namespace {
 
-// Everyone on the phone reads and writes settings.
-constexpr mode_t kFileMode = 0666;
 constexpr mode_t kDirectoryMode = 0777;
 
 }
@@ -206,12 +204,12 @@ void ZConfigData::openToEveryone() const
     const auto file = platform::Fd::open(QFile::encodeName(m_fileName).constData(), O_PATH | O_NOFOLLOW);
     struct stat status = {};
     if (file && ::fstat(file->get(), &status) == 0 && S_ISREG(status.st_mode))
-        ::chmod(QByteArray("/proc/self/fd/" + QByteArray::number(file->get())).constData(), kFileMode);
+        ::chmod(QByteArray("/proc/self/fd/" + QByteArray::number(file->get())).constData(), config::kFileMode);
 }
 
 bool ZConfigData::save()
 {
-    auto file = platform::FileReplacement::begin(m_fileName, kFileMode);
+    auto file = platform::FileReplacement::begin(m_fileName, config::kFileMode);
     if (!file) {
         leave();
         return false;

@@ -12,17 +12,18 @@ namespace platform {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 // A save holds the lock for as long as the disk takes to sync a small file. Whoever holds it longer is stopped or means
-// harm, and a user interface does not wait for him.
-constexpr auto kLockPatience = std::chrono::seconds(3);
+// harm (reading the file suffices to lock it), and a user interface does not wait for him.
+constexpr auto kPatience = std::chrono::milliseconds(300); // of all of begin()
 constexpr auto kLockPause = std::chrono::milliseconds(2);
 
-Result<FileLock> lockPatiently(int fd)
+Result<FileLock> lockUntil(Clock::time_point deadline, int fd)
 {
-    const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
     for (;;) {
         auto lock = FileLock::exclusive(fd, FileLock::Wait::No);
-        if (lock || lock.error().number != EWOULDBLOCK || std::chrono::steady_clock::now() > deadline)
+        if (lock || lock.error().number != EWOULDBLOCK || Clock::now() > deadline)
             return lock;
         std::this_thread::sleep_for(kLockPause);
     }
@@ -38,14 +39,14 @@ bool stillNamed(int fd, const QByteArray &path)
 
 // Removes the temporary that a killed writer left behind. Its content is never reused: it may be another user's file,
 // or have another name besides this one.
-Result<> removeLeftover(int fd, const QByteArray &path)
+Result<> removeLeftover(int fd, const QByteArray &path, Clock::time_point deadline)
 {
     struct stat status = {};
     if (::fstat(fd, &status) != 0)
         return failed("fstat");
     if (!S_ISREG(status.st_mode))
         return failed("open", S_ISDIR(status.st_mode) ? EISDIR : EEXIST);
-    const auto lock = lockPatiently(fd);
+    const auto lock = lockUntil(deadline, fd);
     if (!lock)
         return tl::make_unexpected(lock.error());
     if (stillNamed(fd, path) && ::unlink(path.constData()) != 0)
@@ -82,11 +83,11 @@ Result<FileReplacement> FileReplacement::create(const QByteArray &temporary, mod
 // Whoever got a lock looks again whether the name still means the file that it locked.
 Result<FileReplacement> FileReplacement::createLocked(const QByteArray &temporary, mode_t mode)
 {
-    const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
-    while (std::chrono::steady_clock::now() <= deadline) {
+    const auto deadline = Clock::now() + kPatience;
+    do {
         // O_NONBLOCK: a FIFO under this name must not stop the program. Reading suffices for the lock.
         if (const auto old = Fd::open(temporary.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK)) {
-            if (const auto removed = removeLeftover(old->get(), temporary); !removed)
+            if (const auto removed = removeLeftover(old->get(), temporary, deadline); !removed)
                 return tl::make_unexpected(removed.error());
         } else if (old.error().number != ENOENT) {
             return tl::make_unexpected(old.error());
@@ -96,7 +97,7 @@ Result<FileReplacement> FileReplacement::createLocked(const QByteArray &temporar
             return created;
         if (!created && created.error().number != EEXIST && created.error().number != EWOULDBLOCK)
             return created;
-    }
+    } while (Clock::now() <= deadline);
     return failed("flock", EWOULDBLOCK);
 }
 

@@ -4,6 +4,7 @@
 #include "platform/system/fd.h"
 #include "platform/system/filelock.h"
 #include "platform/system/result.h"
+#include "platform/tyxexport.h"
 
 #include <QByteArray>
 #include <QString>
@@ -22,7 +23,8 @@ namespace platform {
 // file, and what it pointed to is not touched.
 class FileReplacement {
 public:
-    // Creates the temporary with `mode`, whatever the umask. Waits a few seconds at most for another writer.
+    // Creates the temporary with `mode`, whatever the umask. Waits 300 ms at most for other writers, all in all;
+    // EWOULDBLOCK says that somebody still holds it (whoever may read the temporary can).
     static Result<FileReplacement> begin(const QString &path, mode_t mode);
 
     FileReplacement(FileReplacement &&) noexcept = default;
@@ -45,7 +47,7 @@ private:
 };
 
 // All of it for bytes that are at hand. After an error of the directory's fsync the new file stands already, but may
-// not survive a power cut; after any other error the old file stands.
-Result<> replaceFile(const QString &path, std::span<const std::byte> bytes, mode_t mode);
+// not survive a power cut; after any other error the old file stands. Exported for the tools.
+TYX_EXPORT Result<> replaceFile(const QString &path, std::span<const std::byte> bytes, mode_t mode);
 
 }

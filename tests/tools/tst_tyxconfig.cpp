@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTest>
+#include <sys/file.h>
 
 using namespace Qt::StringLiterals;
 
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void unreadableFilesFail_data();
     void unreadableFilesFail();
     void aSaveThatDidNotHappenIsNoticed();
+    void whoHoldsTheTemporaryIsNamed();
 };
 
 void TstTyxConfig::answers_data()
@@ -211,6 +213,18 @@ void TstTyxConfig::aSaveThatDidNotHappenIsNoticed()
     QCOMPARE(tyx({u"remove"_s, kFile, u"G"_s}).status, 3);
     QCOMPARE(content(), QByteArray("[G]\na=1\n"));
     QVERIFY(QDir().rmdir(kFile + u".new"));
+}
+
+void TstTyxConfig::whoHoldsTheTemporaryIsNamed()
+{
+    fill("[G]\na=1\n");
+    QFile held(kFile + u".new");
+    QVERIFY(held.open(QIODevice::WriteOnly));
+    QCOMPARE(::flock(held.handle(), LOCK_SH), 0);
+    const Outcome outcome = tyx({u"set"_s, kFile, u"G"_s, u"a"_s, u"2"_s});
+    QCOMPARE(outcome.status, 3);
+    QVERIFY2(outcome.err.contains("another program holds t.cfg.new"), outcome.err.constData());
+    QVERIFY(held.remove());
 }
 
 QTEST_APPLESS_MAIN(TstTyxConfig)

@@ -2,14 +2,14 @@
 #include "appbase/config/configcheck.h"
 #include "appbase/config/configfile.h"
 #include "appbase/config/configtext.h"
-#include "appbase/config/zconfig.h"
+#include "platform/system/filereplace.h"
 #include "tools/tyx/command.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <cerrno>
 #include <memory>
-#include <optional>
+#include <tl/expected.hpp>
 
 namespace tyx {
 
@@ -147,71 +147,79 @@ QString unstorable(const Arguments &arguments)
     return {};
 }
 
-// The status that forbids to change the file: it cannot be read, or saving it would lose lines that are in it.
-std::optional<int> forbidden(const Arguments &arguments)
+// What the file holds; or, told, the status that forbids to change it: it cannot be read, or saving it would lose lines
+// that are in it.
+tl::expected<config::ConfigText, int> changeable(const Arguments &arguments)
 {
     const auto bytes = config::readFile(arguments.path());
-    if (!bytes)
-        return bytes.error().number == ENOENT ? std::nullopt : std::optional(unreadable(arguments, bytes.error()));
-    const auto stop = config::whereReadingStops(*bytes);
-    if (arguments.force || !stop)
-        return std::nullopt;
-    return fail(QStringLiteral("%1:%2: %3; repair that line, or lose the rest with --force")
-                    .arg(arguments.path(), QString::number(stop->line), stop->text));
+    if (!bytes && bytes.error().number != ENOENT)
+        return tl::make_unexpected(unreadable(arguments, bytes.error()));
+    const QByteArray old = bytes.value_or(QByteArray());
+    if (const auto stop = config::whereReadingStops(old); stop && !arguments.force)
+        return tl::make_unexpected(fail(QStringLiteral("%1:%2: %3; repair that line, or lose the rest with --force")
+                                            .arg(arguments.path(), QString::number(stop->line), stop->text)));
+    return config::ConfigText(config::decoded(old));
 }
 
-int notSaved(const Arguments &arguments)
+QString cureOfSaving(const Arguments &arguments, int error)
 {
-    return fail(QStringLiteral("%1: could not be saved; check that its folder is writable and the disk not full")
-                    .arg(arguments.path()));
+    switch (error) {
+    case EWOULDBLOCK:
+        return QStringLiteral("another program holds %1.new; try again").arg(arguments.path());
+    case EISDIR:
+    case EEXIST:
+    case ELOOP:
+        return QStringLiteral("remove %1.new").arg(arguments.path());
+    case ENOENT:
+        return QStringLiteral("create its folder");
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return QStringLiteral("make its folder writable");
+    default:
+        return QStringLiteral("check that the disk is not full");
+    }
 }
 
-// The value that programs will see; null when there is none.
-QString stored(const Arguments &arguments)
+// Not by ZConfig: its saves do not say why they failed, and answer true when only the rename did.
+int save(const Arguments &arguments, const config::ConfigText &text)
 {
-    return ZConfig(arguments.path(), false).readEntry(arguments.groupName(), arguments.keyName());
+    const QByteArray bytes = text.format();
+    const auto saved = platform::replaceFile(arguments.path(), std::as_bytes(std::span(bytes)), config::kFileMode);
+    if (saved)
+        return Done;
+    return fail(QStringLiteral("%1: could not be saved: %2; %3")
+                    .arg(arguments.path(), saved.error().text(), cureOfSaving(arguments, saved.error().number)));
 }
 
 int set(const Arguments &arguments)
 {
     if (const QString why = unstorable(arguments); !why.isEmpty())
         return answer(Usage, why);
-    if (const auto status = forbidden(arguments))
-        return *status;
-    const bool saved =
-        ZConfig(arguments.path(), true).writeEntry(arguments.groupName(), arguments.keyName(), arguments.text());
-    // A save also answers true when its rename failed: the file itself has the last word.
-    return saved && stored(arguments) == arguments.text() ? Done : notSaved(arguments);
-}
-
-int removeKey(ZConfig &file, const Arguments &arguments)
-{
-    if (!file.getGroupEntriesKeyList(arguments.groupName())->contains(arguments.keyName()))
-        return noSuchKey(arguments);
-    const bool saved = file.removeEntry(arguments.groupName(), arguments.keyName()) && file.flush();
-    return saved && stored(arguments).isNull() ? Done : notSaved(arguments);
-}
-
-int removeGroup(ZConfig &file, const Arguments &arguments)
-{
-    // A group without entries would stay.
-    const QString something = QStringLiteral("-");
-    const bool saved = file.writeEntry(arguments.groupName(), something, something)
-        && file.clearGroup(arguments.groupName()) && file.flush();
-    const bool gone = !ZConfig(arguments.path(), false).getGroupEntriesKeyList(arguments.groupName());
-    return saved && gone ? Done : notSaved(arguments);
+    auto text = changeable(arguments);
+    if (!text)
+        return text.error();
+    text->ensure(arguments.groupName()).set(arguments.keyName(), arguments.text());
+    return save(arguments, *text);
 }
 
 int remove(const Arguments &arguments)
 {
     if (arguments.group.empty())
         return answer(Usage, QStringLiteral("the group needs a name"));
-    if (const auto status = forbidden(arguments))
-        return *status;
-    ZConfig file(arguments.path(), false);
-    if (!file.getGroupEntriesKeyList(arguments.groupName()))
+    auto text = changeable(arguments);
+    if (!text)
+        return text.error();
+    config::Group *group = text->find(arguments.groupName());
+    if (!group)
         return noSuchGroup(arguments);
-    return arguments.keyGiven->count() > 0 ? removeKey(file, arguments) : removeGroup(file, arguments);
+    if (arguments.keyGiven->count() == 0)
+        text->remove(arguments.groupName());
+    else if (group->find(arguments.keyName()))
+        group->remove(arguments.keyName());
+    else
+        return noSuchKey(arguments);
+    return save(arguments, *text);
 }
 
 int check(const Arguments &arguments)
