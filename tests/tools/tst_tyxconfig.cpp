@@ -5,7 +5,10 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTest>
+#include <cstdlib>
+#include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -23,6 +26,16 @@ Outcome tyx(const QStringList &arguments)
 {
     QProcess program;
     program.start(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), QStringList{u"config"_s} + arguments);
+    program.waitForFinished();
+    return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1, program.readAllStandardOutput(),
+        program.readAllStandardError()};
+}
+
+// A command line of the shell, which can say what QProcess cannot; $tyx is the program.
+Outcome shell(const QString &command)
+{
+    QProcess program;
+    program.start(u"sh"_s, {u"-c"_s, u"tyx=" TYX_BINARY_DIR "/bin/tyx; "_s + command});
     program.waitForFinished();
     return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1, program.readAllStandardOutput(),
         program.readAllStandardError()};
@@ -53,7 +66,10 @@ private Q_SLOTS:
     void changes();
     void checks_data();
     void checks();
+    void otherBytesThanTextAreRefused_data();
+    void otherBytesThanTextAreRefused();
     void printsJson();
+    void aTerminalSeesNoControlCharacters();
     void unreadableFilesFail_data();
     void unreadableFilesFail();
     void aSaveThatDidNotHappenIsNoticed();
@@ -117,6 +133,7 @@ void TstTyxConfig::changes_data()
     row("a padded key", old, {u"set"_s, u"G"_s, u" a"_s, u"1"_s}, 2, old);
     row("a key with a sign", old, {u"set"_s, u"G"_s, u"a=b"_s, u"1"_s}, 2, old);
     row("a key like a header", old, {u"set"_s, u"G"_s, u"[a"_s, u"1"_s}, 2, old);
+    row("a carriage return", old, {u"set"_s, u"G"_s, u"a"_s, u"1\r2"_s}, 2, old);
     row("no group", old, {u"set"_s, u""_s, u"a"_s, u"1"_s}, 2, old);
     // What stands behind a stray line is not lost in passing.
     row("a stray line", "[G]\na=1\nstray\nb=2\n", {u"set"_s, u"G"_s, u"c"_s, u"3"_s}, 3, "[G]\na=1\nstray\nb=2\n");
@@ -170,6 +187,28 @@ void TstTyxConfig::checks()
     QCOMPARE(content(), bytes);
 }
 
+void TstTyxConfig::otherBytesThanTextAreRefused_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::newRow("file") << u"set $bytes.cfg G a 1"_s;
+    QTest::newRow("group") << u"remove t.cfg $bytes"_s;
+    QTest::newRow("key") << u"get t.cfg G $bytes"_s;
+    QTest::newRow("value") << u"set t.cfg G a $bytes"_s;
+    QTest::newRow("default") << u"get t.cfg G none --default $bytes"_s;
+}
+
+void TstTyxConfig::otherBytesThanTextAreRefused()
+{
+    QFETCH(QString, arguments);
+    fill("[G]\na=1\n");
+    const QStringList before = QDir().entryList();
+    const Outcome outcome = shell(uR"(bytes=$(printf 't\374'); $tyx config )"_s + arguments);
+    QCOMPARE(outcome.status, 2);
+    QVERIFY2(outcome.err.endsWith("is not UTF-8\n"), outcome.err.constData());
+    QCOMPARE(content(), QByteArray("[G]\na=1\n"));
+    QCOMPARE(QDir().entryList(), before);
+}
+
 void TstTyxConfig::printsJson()
 {
     fill("[G]\na=\"x\"\n[H]\nstray\n");
@@ -180,6 +219,21 @@ void TstTyxConfig::printsJson()
     QCOMPARE(json({u"list"_s, kFile})[u"G"][u"a"].toString(), u"\"x\""_s);
     QCOMPARE(json({u"list"_s, kFile}).object().keys(), QStringList({u"G"_s, u"H"_s}));
     QCOMPARE(json({u"check"_s, kFile})[0][u"line"].toInt(), 4);
+}
+
+void TstTyxConfig::aTerminalSeesNoControlCharacters()
+{
+    const QByteArray colored = "[\x1B[31mG]\nk = \xF0\x9F\x98\x80\xC2\x9Bz\n";
+    fill(colored);
+    QCOMPARE(shell(u"$tyx config list t.cfg"_s).out, colored);
+    QFile terminal;
+    QVERIFY(terminal.open(::posix_openpt(O_RDWR | O_NOCTTY), QIODevice::ReadOnly, QFile::AutoCloseHandle));
+    QCOMPARE(::unlockpt(terminal.handle()), 0);
+    const QString name = QFile::decodeName(::ptsname(terminal.handle()));
+    QCOMPARE(shell(u"$tyx config list t.cfg >"_s + name).status, 0);
+    char seen[100] = {};
+    QVERIFY(::read(terminal.handle(), seen, sizeof seen - 1) > 0);
+    QCOMPARE(QByteArray(seen).replace("\r\n", "\n"), QByteArray("[?[31mG]\nk = \xF0\x9F\x98\x80?z\n"));
 }
 
 void TstTyxConfig::unreadableFilesFail_data()

@@ -30,15 +30,6 @@ struct Options {
     bool json = false;
 };
 
-// A name from the bus may contain anything; a terminal should see none of its control characters.
-QString printable(QByteArrayView name)
-{
-    QString text = QString::fromUtf8(name);
-    std::replace_if(
-        text.begin(), text.end(), [](QChar c) { return !c.isPrint(); }, u'?');
-    return text;
-}
-
 int failNoServer(const platform::SysError &error)
 {
     const QString place = QString::fromLocal8Bit(BusInspector::socketPath());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <QByteArrayView>
 #include <QJsonDocument>
 #include <QString>
 
@@ -18,7 +19,12 @@ enum Exit : int {
 // One line on standard error that names the thing, the place and the cure; yields Exit::Failed.
 [[nodiscard]] int fail(const QString &message);
 
-void printLine(const QString &line); // on standard output, as UTF-8
+// For a terminal, which should see no control characters: a name or a file from elsewhere may contain anything.
+QString printable(QByteArrayView text); // UTF-8
+
+// On standard output, as UTF-8; printable when it is a terminal, as it is when a script reads it. That it could not be
+// written is told when the program ends.
+void printLine(const QString &line);
 void printJson(const QJsonDocument &document);
 
 // Each lives in the file of its name; `exit` outlives the parse.

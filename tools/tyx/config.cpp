@@ -130,7 +130,8 @@ int list(const Arguments &arguments)
 // What would not come back from the file as it was given, and why; empty when all of it would.
 QString unstorable(const Arguments &arguments)
 {
-    const auto broken = [](const QString &text) { return text.contains(u'\n'); };
+    // A carriage return would come back, but `check` and other readers take it for damage.
+    const auto broken = [](const QString &text) { return text.contains(u'\n') || text.contains(u'\r'); };
     const auto padded = [](const QString &text) { return text.trimmed() != text; };
     if (arguments.group.empty())
         return QStringLiteral("the group needs a name");
@@ -241,6 +242,16 @@ int check(const Arguments &arguments)
     return serious ? AnsweredNo : Done;
 }
 
+// Runs an action on arguments that are text: of other bytes, another text would be stored and another file written.
+int runOnText(int (*action)(const Arguments &), const Arguments &arguments)
+{
+    for (const std::string *given : {&arguments.file, &arguments.group, &arguments.key, &arguments.value}) {
+        if (!QUtf8StringView(given->data(), qsizetype(given->size())).isValidUtf8())
+            return answer(Usage, QStringLiteral("\"%1\" is not UTF-8").arg(printable(*given)));
+    }
+    return action(arguments);
+}
+
 }
 
 void addConfig(CLI::App &app, int &exit)
@@ -252,7 +263,7 @@ void addConfig(CLI::App &app, int &exit)
         CLI::App *action = parent->add_subcommand(name, help);
         action->add_option("FILE", arguments->file, "The configuration file")->required();
         // The callback keeps the arguments that the options write into.
-        action->callback([run, arguments, &exit] { exit = run(*arguments); });
+        action->callback([run, arguments, &exit] { exit = runOnText(run, *arguments); });
         return action;
     };
     const auto json = [&](CLI::App *action) { action->add_flag("--json", arguments->json, "Print JSON"); };
