@@ -70,6 +70,7 @@ private Q_SLOTS:
     void otherBytesThanTextAreRefused();
     void printsJson();
     void aTerminalSeesNoControlCharacters();
+    void lostOutputIsAFailure();
     void unreadableFilesFail_data();
     void unreadableFilesFail();
     void aSaveThatDidNotHappenIsNoticed();
@@ -234,6 +235,16 @@ void TstTyxConfig::aTerminalSeesNoControlCharacters()
     char seen[100] = {};
     QVERIFY(::read(terminal.handle(), seen, sizeof seen - 1) > 0);
     QCOMPARE(QByteArray(seen).replace("\r\n", "\n"), QByteArray("[?[31mG]\nk = \xF0\x9F\x98\x80?z\n"));
+}
+
+void TstTyxConfig::lostOutputIsAFailure()
+{
+    fill("[G]\na=1\n");
+    for (const QString &arguments : {u"config list t.cfg"_s, u"config list t.cfg --json"_s, u"--help"_s}) {
+        const Outcome outcome = shell(u"$tyx %1 >/dev/full"_s.arg(arguments));
+        QCOMPARE(outcome.status, 3);
+        QCOMPARE(outcome.err, QByteArray("tyx: cannot write to standard output: No space left on device\n"));
+    }
 }
 
 void TstTyxConfig::unreadableFilesFail_data()

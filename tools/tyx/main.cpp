@@ -2,6 +2,8 @@
 #include "tools/tyx/command.h"
 
 #include <QCoreApplication>
+#include <cerrno>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -24,6 +26,17 @@ std::string usageError(const CLI::App *app, const CLI::Error &error)
     return command + ": " + what + "; see " + command + " --help\n";
 }
 
+// What was printed may be lost, on a full disk for example, and a script has to know.
+int unlessOutputIsLost(int exit)
+{
+    errno = 0;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return exit;
+    // Of an earlier write only the failure is remembered.
+    return tyx::fail(
+        QStringLiteral("cannot write to standard output: %1").arg(qt_error_string(errno != 0 ? errno : EIO)));
+}
+
 }
 
 int main(int argc, char **argv)
@@ -40,7 +53,7 @@ int main(int argc, char **argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? tyx::Done : tyx::Usage;
+        return unlessOutputIsLost(app.exit(error) == 0 ? tyx::Done : tyx::Usage);
     }
-    return exit;
+    return unlessOutputIsLost(exit);
 }
