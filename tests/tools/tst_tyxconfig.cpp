@@ -1,10 +1,9 @@
 // The real program on real files: `tyx config`.
+#include "tests/support/testfiles.h"
+
 #include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QTest>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -16,43 +15,12 @@ namespace {
 
 const QString kFile = QStringLiteral("t.cfg");
 
-struct Outcome {
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
+const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
 
-Outcome tyx(const QStringList &arguments)
-{
-    QProcess program;
-    program.start(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), QStringList{u"config"_s} + arguments);
-    program.waitForFinished();
-    return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1, program.readAllStandardOutput(),
-        program.readAllStandardError()};
-}
+Outcome tyx(const QStringList &arguments) { return run(kTyx, QStringList{u"config"_s} + arguments); }
 
 // A command line of the shell, which can say what QProcess cannot; $tyx is the program.
-Outcome shell(const QString &command)
-{
-    QProcess program;
-    program.start(u"sh"_s, {u"-c"_s, u"tyx=" TYX_BINARY_DIR "/bin/tyx; "_s + command});
-    program.waitForFinished();
-    return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1, program.readAllStandardOutput(),
-        program.readAllStandardError()};
-}
-
-QByteArray content()
-{
-    QFile file(kFile);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-}
-
-void fill(const QByteArray &bytes)
-{
-    QFile file(kFile);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
+Outcome shell(const QString &command) { return run(u"sh"_s, {u"-c"_s, u"tyx="_s + kTyx + u"; "_s + command}); }
 
 }
 
@@ -101,7 +69,7 @@ void TstTyxConfig::answers_data()
 void TstTyxConfig::answers()
 {
     QFETCH(QStringList, arguments);
-    fill("[B]\n[A]\nk=a value\nempty=\n");
+    fill(kFile, "[B]\n[A]\nk=a value\nempty=\n");
     const Outcome outcome = tyx(arguments);
     QTEST(outcome.status, "status");
     QTEST(outcome.out, "out");
@@ -146,11 +114,11 @@ void TstTyxConfig::changes()
 {
     QFETCH(QByteArray, before);
     QFETCH(QStringList, arguments);
-    fill(before);
+    fill(kFile, before);
     arguments.insert(1, kFile);
     const Outcome outcome = tyx(arguments);
     QTEST(outcome.status, "status");
-    QTEST(content(), "after");
+    QTEST(content(kFile), "after");
     QCOMPARE(outcome.err.count('\n'), outcome.status == 0 ? 0 : 1);
 }
 
@@ -180,12 +148,12 @@ void TstTyxConfig::checks()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, remark);
-    fill(bytes);
+    fill(kFile, bytes);
     const Outcome outcome = tyx({u"check"_s, kFile});
     QTEST(outcome.status, "status");
     QVERIFY2(outcome.out.startsWith(remark), outcome.out.constData());
     QCOMPARE(outcome.out.isEmpty(), remark.isEmpty());
-    QCOMPARE(content(), bytes);
+    QCOMPARE(content(kFile), bytes);
 }
 
 void TstTyxConfig::otherBytesThanTextAreRefused_data()
@@ -201,18 +169,18 @@ void TstTyxConfig::otherBytesThanTextAreRefused_data()
 void TstTyxConfig::otherBytesThanTextAreRefused()
 {
     QFETCH(QString, arguments);
-    fill("[G]\na=1\n");
+    fill(kFile, "[G]\na=1\n");
     const QStringList before = QDir().entryList();
     const Outcome outcome = shell(uR"(bytes=$(printf 't\374'); $tyx config )"_s + arguments);
     QCOMPARE(outcome.status, 2);
     QVERIFY2(outcome.err.endsWith("is not UTF-8\n"), outcome.err.constData());
-    QCOMPARE(content(), QByteArray("[G]\na=1\n"));
+    QCOMPARE(content(kFile), QByteArray("[G]\na=1\n"));
     QCOMPARE(QDir().entryList(), before);
 }
 
 void TstTyxConfig::printsJson()
 {
-    fill("[G]\na=\"x\"\n[H]\nstray\n");
+    fill(kFile, "[G]\na=\"x\"\n[H]\nstray\n");
     const auto json = [](const QStringList &arguments) {
         return QJsonDocument::fromJson(tyx(arguments + QStringList{u"--json"_s}).out);
     };
@@ -225,7 +193,7 @@ void TstTyxConfig::printsJson()
 void TstTyxConfig::aTerminalSeesNoControlCharacters()
 {
     const QByteArray colored = "[\x1B[31mG]\nk = \xF0\x9F\x98\x80\xC2\x9Bz\n";
-    fill(colored);
+    fill(kFile, colored);
     QCOMPARE(shell(u"$tyx config list t.cfg"_s).out, colored);
     QFile terminal;
     QVERIFY(terminal.open(::posix_openpt(O_RDWR | O_NOCTTY), QIODevice::ReadOnly, QFile::AutoCloseHandle));
@@ -239,7 +207,7 @@ void TstTyxConfig::aTerminalSeesNoControlCharacters()
 
 void TstTyxConfig::lostOutputIsAFailure()
 {
-    fill("[G]\na=1\n");
+    fill(kFile, "[G]\na=1\n");
     for (const QString &arguments : {u"config list t.cfg"_s, u"config list t.cfg --json"_s, u"--help"_s}) {
         const Outcome outcome = shell(u"$tyx %1 >/dev/full"_s.arg(arguments));
         QCOMPARE(outcome.status, 3);
@@ -272,17 +240,17 @@ void TstTyxConfig::unreadableFilesFail()
 void TstTyxConfig::aSaveThatDidNotHappenIsNoticed()
 {
     QVERIFY(QDir().mkdir(kFile + u".new"));
-    fill("[G]\na=1\n");
+    fill(kFile, "[G]\na=1\n");
     QCOMPARE(tyx({u"set"_s, kFile, u"G"_s, u"a"_s, u"2"_s}).status, 3);
     QCOMPARE(tyx({u"remove"_s, kFile, u"G"_s, u"a"_s}).status, 3);
     QCOMPARE(tyx({u"remove"_s, kFile, u"G"_s}).status, 3);
-    QCOMPARE(content(), QByteArray("[G]\na=1\n"));
+    QCOMPARE(content(kFile), QByteArray("[G]\na=1\n"));
     QVERIFY(QDir().rmdir(kFile + u".new"));
 }
 
 void TstTyxConfig::whoHoldsTheTemporaryIsNamed()
 {
-    fill("[G]\na=1\n");
+    fill(kFile, "[G]\na=1\n");
     QFile held(kFile + u".new");
     QVERIFY(held.open(QIODevice::WriteOnly));
     QCOMPARE(::flock(held.handle(), LOCK_SH), 0);

@@ -1,6 +1,6 @@
+// The text form of a configuration: how lines are read, in which order they are written.
 #include "appbase/config/configtext.h"
 
-#include <QRandomGenerator>
 #include <QTest>
 
 using config::ConfigText;
@@ -14,7 +14,6 @@ private Q_SLOTS:
     void orderIsThatOfUtf16();
     void bytesBecomeCharacters_data();
     void bytesBecomeCharacters();
-    void oneQuestionAnswersLikeTheWhole();
     void changesKeepTheOrder();
 };
 
@@ -80,60 +79,6 @@ void TstConfigText::bytesBecomeCharacters()
 {
     QFETCH(QByteArray, bytes);
     QTEST(config::lookUp(config::decoded(bytes), u"G", u"k").value.toString(), "value");
-}
-
-namespace {
-
-// Lines that are nearly right, of a small alphabet, so that names meet again.
-QString randomText(QRandomGenerator &random)
-{
-    static const QStringList pieces{QStringLiteral("["), QStringLiteral("]"), QStringLiteral("="), QStringLiteral(" "),
-        QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("\u00A0"), QStringLiteral("\uE000"),
-        QStringLiteral("\U0001F600"), QStringLiteral("\r"), QStringLiteral("\n")};
-    QString text;
-    for (int line = random.bounded(12); line >= 0; --line) {
-        text += random.bounded(3) ? QStringLiteral("a=") : QStringLiteral("[");
-        for (int i = random.bounded(4); i > 0; --i)
-            text += pieces[random.bounded(pieces.size())];
-        text += u'\n';
-    }
-    return text;
-}
-
-// An answer as text, absent things told apart from empty ones.
-QString told(bool groupExists, QStringView value)
-{
-    if (!groupExists)
-        return QStringLiteral("no group");
-    return value.isNull() ? QStringLiteral("no key") : u'"' % value % u'"';
-}
-
-QString told(const config::Group *group, QStringView key)
-{
-    const config::Entry *entry = group ? group->find(key) : nullptr;
-    return told(group != nullptr, entry ? QStringView(entry->value) : QStringView());
-}
-
-}
-
-void TstConfigText::oneQuestionAnswersLikeTheWhole()
-{
-    QRandomGenerator random(20);
-    const QStringList groups{QStringLiteral("a"), QStringLiteral(""), QStringLiteral("a]"), QStringLiteral(" ")};
-    const QStringList keys{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("")};
-    QStringList different;
-    for (int round = 0; round < 60000; ++round) {
-        const QString text = randomText(random);
-        const QString &group = groups[random.bounded(groups.size())];
-        const QString &key = keys[random.bounded(keys.size())];
-        const config::Answer answer = config::lookUp(text, group, key);
-        ConfigText whole(text);
-        const QByteArray written = whole.format();
-        if (told(answer.groupExists, answer.value) != told(whole.find(group), key)
-            || ConfigText(config::decoded(written)).format() != written)
-            different << text;
-    }
-    QCOMPARE(different, QStringList());
 }
 
 void TstConfigText::changesKeepTheOrder()

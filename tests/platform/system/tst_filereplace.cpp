@@ -1,9 +1,8 @@
 // Replacing a file: what its writers, killed ones and what stands in their way leave at its name.
 #include "platform/system/filereplace.h"
+#include "tests/support/testfiles.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTest>
 #include <cstdlib>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -17,19 +16,6 @@ namespace {
 const QString kPath = QStringLiteral("/tmp/file");
 const QString kNew = QStringLiteral("/tmp/file.new");
 
-QByteArray content(const QString &path = kPath)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-}
-
-void fill(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
 platform::Result<> replace(const QByteArray &bytes, mode_t mode = 0644)
 {
     return platform::replaceFile(kPath, std::as_bytes(std::span(bytes)), mode);
@@ -39,12 +25,6 @@ using Failure = std::pair<QByteArray, int>;
 Failure failure(const platform::Result<> &result)
 {
     return result ? Failure("none", 0) : Failure(result.error().call, result.error().number);
-}
-
-mode_t modeOf(const QString &path)
-{
-    struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode : 0;
 }
 
 // One that has waited long enough says so, and has its turn later: a busy machine may keep it from the lock.
@@ -103,7 +83,7 @@ void TstFileReplace::theModeIsWhatWasAskedFor()
     QVERIFY(replace("new", 0666));
     ::umask(umaskBefore);
     QCOMPARE(modeOf(kPath), mode_t(S_IFREG | 0666));
-    QCOMPARE(content(), QByteArray("new"));
+    QCOMPARE(content(kPath), QByteArray("new"));
 }
 
 void TstFileReplace::aDroppedReplacementChangesNothing()
@@ -117,7 +97,7 @@ void TstFileReplace::aDroppedReplacementChangesNothing()
         const FileReplacement moved = std::move(*replacement);
     }
     QVERIFY(!QFile::exists(kNew));
-    QCOMPARE(content(), QByteArray("old"));
+    QCOMPARE(content(kPath), QByteArray("old"));
 }
 
 // A writer that was killed left its temporary; it may be unreadable, or have a second name by now.
@@ -126,7 +106,7 @@ void TstFileReplace::leftoversAreRemovedNotReused()
     fill(kNew, "much longer than what is written now");
     QCOMPARE(::link("/tmp/file.new", "/tmp/precious"), 0);
     QVERIFY(replace("short"));
-    QCOMPARE(content(), QByteArray("short"));
+    QCOMPARE(content(kPath), QByteArray("short"));
     QCOMPARE(content(QStringLiteral("/tmp/precious")), QByteArray("much longer than what is written now"));
 }
 
@@ -143,7 +123,7 @@ void TstFileReplace::whatCannotBeATemporaryStays()
     QCOMPARE(::mkfifo("/tmp/file.new", 0666), 0);
     QCOMPARE(failure(replace("new")), Failure("open", EEXIST));
     QVERIFY(S_ISFIFO(modeOf(kNew)));
-    QCOMPARE(content(), QByteArray("old"));
+    QCOMPARE(content(kPath), QByteArray("old"));
     QCOMPARE(content(QStringLiteral("/tmp/target")), QByteArray("target"));
 }
 
@@ -161,7 +141,7 @@ void TstFileReplace::namesThatAreNone()
     fill(kPath, "old");
     // Cut off at the NUL, the temporary's name would be that of the file.
     QCOMPARE(failure(platform::replaceFile(kPath + QChar::Null, {}, 0644)), Failure("open", EINVAL));
-    QCOMPARE(content(), QByteArray("old"));
+    QCOMPARE(content(kPath), QByteArray("old"));
     QCOMPARE(failure(platform::replaceFile(QString(), {}, 0644)), Failure("rename", ENOENT));
     QCOMPARE(failure(platform::replaceFile(QStringLiteral("/none/x"), {}, 0644)), Failure("open", ENOENT));
     QVERIFY(!QFile::exists(QStringLiteral("/tmp/.new")));
@@ -177,7 +157,7 @@ void TstFileReplace::aHeldLockIsAnAnswer()
     QCOMPARE(::flock(holder.handle(), LOCK_SH), 0);
     QCOMPARE(failure(replace("new")), Failure("flock", EWOULDBLOCK));
     QCOMPARE(content(kNew), QByteArray("held"));
-    QCOMPARE(content(), QByteArray("old"));
+    QCOMPARE(content(kPath), QByteArray("old"));
     holder.close();
     QVERIFY(replace("new"));
 }
@@ -193,7 +173,7 @@ void TstFileReplace::manyWritersNeverTearTheFile()
     bool torn = false;
     bool failed = false;
     for (int running = writers; running > 0;) {
-        const QByteArray bytes = content();
+        const QByteArray bytes = content(kPath);
         torn |= bytes.isEmpty() || bytes.count(bytes.at(0)) != bytes.size();
         int status = 0;
         while (::waitpid(-1, &status, WNOHANG) > 0) {
@@ -204,7 +184,7 @@ void TstFileReplace::manyWritersNeverTearTheFile()
     QVERIFY(!torn);
     QVERIFY(!failed);
     QVERIFY(replace("last"));
-    QCOMPARE(content(), QByteArray("last"));
+    QCOMPARE(content(kPath), QByteArray("last"));
     QVERIFY(!QFile::exists(kNew));
 }
 
