@@ -17,7 +17,6 @@ target_link_options(tyx_options INTERFACE -Wl,--gc-sections -Wl,--as-needed -Wl,
 if(TYX_SANITIZE)
   add_compile_options(-fsanitize=${TYX_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${TYX_SANITIZE})
-  add_compile_definitions(TYX_SANITIZE_ADDRESS)
   if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
     # clang leaves the runtime out of shared libraries: their undefined symbols come from the program.
     set_property(TARGET tyx_options PROPERTY INTERFACE_LINK_OPTIONS -Wl,--gc-sections -Wl,--as-needed)
