@@ -53,6 +53,13 @@ void ZApplicationData::pidMessage(const QCString &message, const QByteArray &arg
     dispatch<Data>(processRoutes, *this, message, arguments); // an unknown message is dropped
 }
 
+// The channel that it was sent to does not matter: the sender may have known the name or the process id.
+void ZApplicationData::storedMessage(const queue::Record &record)
+{
+    if (!dispatch<Data>(processRoutes, *this, record.message, record.data))
+        slotAppMessage(record.message, record.data);
+}
+
 void ZApplicationData::slotSystemMessage(const QCString &message, const QByteArray &arguments)
 {
     if (message == "languageChanged()")

@@ -10,7 +10,10 @@
 
 namespace {
 
-constexpr char kApplicationChannel[] = "TYX/Application/"; // plus the program's name, or its process id in decimal
+QCString applicationChannel(const QByteArray &nameOrProcessId)
+{
+    return queue::kApplicationChannels.toByteArray() + nameOrProcessId;
+}
 
 QString withoutFolders(const char *program)
 {
@@ -33,13 +36,39 @@ void ZApplicationData::open(
 
 void ZApplicationData::loadLanguage() { language = currentLanguage(); }
 
+void ZApplicationData::getMsgs(const QString &waitingFor)
+{
+    const QList<queue::Record> records = queue::take(waitingFor.toLocal8Bit());
+    for (const queue::Record &record : records)
+        enqueueMsg(record);
+}
+
+void ZApplicationData::enqueueMsg(const queue::Record &record)
+{
+    m_pending.append(record);
+    if (m_pending.size() == 1)
+        QMetaObject::invokeMethod(this, &ZApplicationData::deliverNext, Qt::QueuedConnection);
+}
+
+// The next one is called for before this one is delivered: a dialog that a message opens does not hold up those behind
+// it, and what a message destroys is not touched any more.
+void ZApplicationData::deliverNext()
+{
+    const queue::Record record = m_pending.takeFirst();
+    if (!m_pending.isEmpty())
+        QMetaObject::invokeMethod(this, &ZApplicationData::deliverNext, Qt::QueuedConnection);
+    storedMessage(record);
+}
+
 ZApplication::ZApplication(int &argc, char **argv, Type type)
     : QWSApplication(argc, argv, type), d(std::make_unique<ZApplicationData>(*this, argc > 0 ? argv[0] : ""))
 {
     if (type == GuiServer)
         d->open("TYX/QtServer", &ZApplicationData::slotServerMessage);
     d->open("TYX/System", &ZApplicationData::slotSystemMessage);
-    d->open(QCString(kApplicationChannel + d->name.toLocal8Bit()), &ZApplicationData::slotAppMessage);
+    d->open(applicationChannel(d->name.toLocal8Bit()), &ZApplicationData::slotAppMessage);
+    d->getMsgs(d->name);
+    d->getMsgs(QString::number(applicationPid()));
     d->loadLanguage();
     installEventFilter(this);
     createChannel();
@@ -49,7 +78,7 @@ ZApplication::~ZApplication() = default;
 
 bool ZApplication::createChannel()
 {
-    const QCString channel(kApplicationChannel + QByteArray::number(applicationPid()));
+    const QCString channel = applicationChannel(QByteArray::number(applicationPid()));
     if (QCopChannel::isRegistered(channel))
         return false;
     d->open(channel, &ZApplicationData::pidMessage);

@@ -1,10 +1,12 @@
 // What an application object knows, and how it takes the messages of its channels.
 #pragma once
 
+#include "appbase/messaging/queuefile.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/values/qcstring.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -19,6 +21,10 @@ public:
 
     void open(const QCString &channel, void (ZApplicationData::*handler)(const QCString &, const QByteArray &));
     void loadLanguage();
+
+    // Takes the messages that wait for a program or a process id; the event loop delivers them, one at a time.
+    void getMsgs(const QString &waitingFor);
+    void enqueueMsg(const queue::Record &record);
 
     void pidMessage(const QCString &message, const QByteArray &arguments);
     void slotSystemMessage(const QCString &message, const QByteArray &arguments);
@@ -51,7 +57,10 @@ public:
     void onLanguageChanged(const QByteArray &arguments);
 
 private:
+    void deliverNext();
+    void storedMessage(const queue::Record &record);
     void bridge(const QCString &message, const QByteArray &data);
 
     ZApplication &m_application;
+    QList<queue::Record> m_pending; // in the order in which they were sent
 };

@@ -1,18 +1,46 @@
 // An application without a screen, for tests: says "ready", then lives until a message or a signal ends it.
-// With the argument "keep" it asked to survive the end of the application manager, and tells an orderly end by
-// status 5.
+// With the argument "keep" it asked to survive the end of the application manager, and tells an orderly end by status 5;
+// with "tell" it prints what it hears.
+#include <QCoreApplication>
 #include <ZApplication>
 #include <cstdio>
 #include <cstring>
 
-static constexpr int kOrderlyEnd = 5;
+namespace {
+
+constexpr int kOrderlyEnd = 5;
+
+void print(const char *what, const QByteArray &text)
+{
+    std::printf("%s %s\n", what, text.constData());
+    std::fflush(stdout);
+}
+
+void tell(ZApplication &app)
+{
+    QObject::connect(&app, &ZApplication::signalOpenDoc, [](const QString &document) {
+        print("open", document.toUtf8());
+        // The next message arrives while this one is still being handled.
+        if (document == QStringLiteral("in a dialog"))
+            QCoreApplication::processEvents();
+        print("opened", document.toUtf8());
+    });
+    QObject::connect(&app, &ZApplication::appMessage,
+        [](const QCString &message, const QByteArray &data) { print("app", message + ' ' + data.toHex()); });
+    QObject::connect(&app, &ZApplication::quickQuit, [] { print("quit", {}); });
+}
+
+}
 
 int main(int argc, char **argv)
 {
     ZApplication app(argc, argv, ZApplication::Tty);
-    const bool keep = argc > 1 && std::strcmp(argv[1], "keep") == 0;
+    const char *mode = argc > 1 ? argv[1] : "";
+    const bool keep = std::strcmp(mode, "keep") == 0;
     if (keep)
         DisableAMClosedRestart();
+    if (std::strcmp(mode, "tell") == 0)
+        tell(app);
     std::puts("ready");
     std::fflush(stdout);
     const int result = ZApplication::exec();
