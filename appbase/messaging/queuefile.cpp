@@ -97,6 +97,15 @@ Result<Glance> glance(const QByteArray &name)
     });
 }
 
+LockedFile::LockedFile(QByteArray path, Fd fd, FileLock lock, qint64 size)
+    : m_path(std::move(path)), m_fd(std::move(fd)), m_lock(std::move(lock)), m_size(size)
+{
+}
+
+LockedFile::LockedFile(LockedFile &&other) noexcept = default;
+LockedFile &LockedFile::operator=(LockedFile &&other) noexcept = default;
+LockedFile::~LockedFile() = default;
+
 // Whoever gets the lock looks whether the file was removed by the one who held it before.
 Result<LockedFile> LockedFile::lock(const QByteArray &path, Fd fd)
 {

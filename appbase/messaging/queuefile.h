@@ -57,6 +57,10 @@ class TYX_EXPORT LockedFile {
 public:
     using TimePoint = std::chrono::system_clock::time_point;
 
+    LockedFile(LockedFile &&other) noexcept;
+    LockedFile &operator=(LockedFile &&other) noexcept;
+    ~LockedFile();
+
     // For a sender: made when it is missing, emptied when it was last modified more than kMaxAge before `now`.
     static platform::Result<LockedFile> forAppending(const QByteArray &name, TimePoint now);
 
@@ -73,10 +77,7 @@ public:
     platform::Result<> remove() &&;
 
 private:
-    LockedFile(QByteArray path, platform::Fd fd, platform::FileLock lock, qint64 size)
-        : m_path(std::move(path)), m_fd(std::move(fd)), m_lock(std::move(lock)), m_size(size)
-    {
-    }
+    LockedFile(QByteArray path, platform::Fd fd, platform::FileLock lock, qint64 size);
     static platform::Result<LockedFile> lock(const QByteArray &path, platform::Fd fd);
     static platform::Result<LockedFile> openOrCreate(const QByteArray &path);
     platform::Result<> discardOlderThan(TimePoint oldest);

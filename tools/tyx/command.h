@@ -28,6 +28,7 @@ void printLine(const QString &line);
 void printJson(const QJsonDocument &document);
 
 // Each lives in the file of its name; `exit` outlives the parse.
+void addQueue(CLI::App &app, int &exit);
 void addScreen(CLI::App &app, int &exit);
 void addBus(CLI::App &app, int &exit);
 void addConfig(CLI::App &app, int &exit);

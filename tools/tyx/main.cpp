@@ -50,6 +50,7 @@ int main(int argc, char **argv)
     tyx::addScreen(app, exit);
     tyx::addBus(app, exit);
     tyx::addConfig(app, exit);
+    tyx::addQueue(app, exit);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
