@@ -68,6 +68,7 @@ void TstBusAddress::givenFolderIsTakenUnlessAnybodyMayWriteThere()
     QCOMPARE(makeStandardSocket().value(), "/tmp/place/tyx-bus");
     qputenv("XDG_RUNTIME_DIR", "/tmp");
     QCOMPARE(errorOf(makeStandardSocket()), EPERM);
+    qputenv("XDG_RUNTIME_DIR", "/tmp/place");
     QCOMPARE(chmod("/tmp/place", 0770), 0);
     QCOMPARE(errorOf(makeStandardSocket()), EPERM);
     QVERIFY(makeStandardSocket(true));
