@@ -1,6 +1,6 @@
 // An application without a screen, for tests: says "ready", then lives until a message or a signal ends it.
-// With the argument "keep" it asked to survive the end of the application manager, and tells an orderly end by status 5;
-// with "tell" it prints what it hears.
+// With the argument "keep" it asked to survive the end of the application manager, and tells an orderly end by status
+// 5; with "tell" it prints what it hears.
 #include <QCoreApplication>
 #include <ZApplication>
 #include <cstdio>
