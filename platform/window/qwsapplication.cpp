@@ -114,6 +114,7 @@ void QWSApplication::startServer()
     if (!backend)
         startup::giveUp(backend.error(), 1);
     d->server.reset(new QWSServer(std::move(*backend), options.size)); // its constructor is private
+    startup::serverStarted();
 }
 
 QWSApplication::~QWSApplication()

@@ -65,8 +65,8 @@ public:
     // While off, no key and no pointer event reaches any window (the keyboard filter still sees keys). On at start.
     static void setInputEnabled(bool on);
 
-    // Keys and clicks that wait until their applications read what came before. Who sends many at once waits for 0 now
-    // and then: an application that leaves 2000 waiting is taken for dead and disconnected.
+    // Keys and clicks that wait until the application with the focus reads what came before. Who sends many at once
+    // waits for 0 now and then: an application that leaves 2000 waiting is taken for dead and disconnected.
     [[nodiscard]] int pendingInput() const;
 
     [[nodiscard]] QList<QWSWindow *> clientWindows() const; // the visible ones, front first, then the hidden ones

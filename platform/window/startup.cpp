@@ -105,6 +105,16 @@ void requireFrameBuffer(const ServerOptions &options)
         giveUp(QStringLiteral("--platform linuxfb: there is no %1 on this machine").arg(device), 1);
 }
 
+QtMessageHandler theUsualHandler = nullptr;
+
+// What the toolkit cannot start with (a display, a device, a name) is no crash of ours: one line and status 1.
+void giveUpOnFatal(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type == QtFatalMsg)
+        giveUp(text.section(u'\n', 0, 0), 1);
+    theUsualHandler(type, context, text);
+}
+
 void prepareServer(int &argc, char **argv)
 {
     const auto options = takeServerOptions(argc, argv);
@@ -113,6 +123,7 @@ void prepareServer(int &argc, char **argv)
     if (options->plugin() == "linuxfb")
         requireFrameBuffer(*options);
     requireRuntimeDirectory();
+    theUsualHandler = qInstallMessageHandler(giveUpOnFatal);
     theServer.emplace(Server{*options, claimScreen(), nullptr});
     if (options->plugin() == "offscreen")
         theServer->screenDescription = describeScreen(*options);
@@ -168,6 +179,8 @@ void settle()
     if (QGuiApplication::platformName() == QLatin1String("wayland"))
         lookForHardwareQuietly();
 }
+
+void serverStarted() { qInstallMessageHandler(theUsualHandler); }
 
 const ServerOptions &serverOptions()
 {

@@ -13,6 +13,7 @@ int &prepare(int &argc, char **argv, QWSApplication::Type type);
 
 // After the base is built: programs started from here shall find the phone's screen, not this process's own plug-in.
 void settle();
+void serverStarted(); // the server is up: what is fatal from here on is a crash again
 
 const ServerOptions &serverOptions(); // of the server that prepare() was called for
 

@@ -44,7 +44,7 @@ public:
     virtual void setKeyRepeat(int delay, int interval) = 0;
     virtual void sendPointer(const PointerState &state) = 0;
     virtual void setInputEnabled(bool on) = 0;
-    [[nodiscard]] virtual int pendingInput() const = 0; // events that wait until their clients read
+    [[nodiscard]] virtual int pendingInput() const = 0; // events that wait until the client with the focus reads
 
     [[nodiscard]] virtual QList<QWSWindow *> windows() const = 0; // the visible ones, front first, then the hidden ones
     [[nodiscard]] virtual QRect workArea() const = 0;

@@ -1,7 +1,6 @@
 #include "platform/windowserver/clientbacklog.h"
 
 #include <QWaylandClient>
-#include <QWaylandCompositor>
 #include <QWaylandSurface>
 #include <poll.h>
 #include <wayland-server-core.h>
@@ -46,14 +45,10 @@ void ClientBacklog::deliver(QWaylandSurface &surface, QObject *context, Event ev
         backlog->wait(std::move(waiting));
 }
 
-int ClientBacklog::waiting(const QWaylandCompositor &compositor)
+int ClientBacklog::waiting(const QWaylandClient &client)
 {
-    std::size_t count = 0;
-    for (const QWaylandClient *client : compositor.clients()) {
-        if (const ClientBacklog *backlog = of(*client))
-            count += backlog->m_waiting.size();
-    }
-    return static_cast<int>(count);
+    const ClientBacklog *backlog = of(client);
+    return backlog ? static_cast<int>(backlog->m_waiting.size()) : 0;
 }
 
 void ClientBacklog::Waiting::sendNow() const

@@ -8,7 +8,6 @@
 #include <functional>
 
 class QWaylandClient;
-class QWaylandCompositor;
 class QWaylandSurface;
 
 // Sends what was said to the surface's client now, not only when the event loop goes to sleep.
@@ -30,7 +29,7 @@ public:
     // again; never after the surface or `context` is gone.
     static void deliver(QWaylandSurface &surface, QObject *context, Event event, std::function<void()> send);
 
-    static int waiting(const QWaylandCompositor &compositor); // events, of all clients
+    static int waiting(const QWaylandClient &client); // events
 
 private:
     struct Waiting {

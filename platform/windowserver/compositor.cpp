@@ -101,10 +101,8 @@ void Compositor::connectProtocols(QWSServer &server)
     QObject::connect(m_shell.get(), &Shell::surfaceCreated, scene, &Scene::surfaceCreated);
     QObject::connect(m_ids.get(), &WindowIds::identified, scene, &Scene::surfaceIdentified);
     QObject::connect(m_ids.get(), &WindowIds::forgotten, scene, &Scene::windowForgotten);
-    QObject::connect(m_compositor.get(), &QWaylandCompositor::surfaceCreated, scene, [scene](QWaylandSurface *surface) {
-        QWaylandClient *client = surface->client();
-        QObject::connect(client, &QObject::destroyed, scene, [scene, client] { scene->clientGone(client); });
-    });
+    QObject::connect(m_compositor.get(), &QWaylandCompositor::surfaceCreated, scene,
+        [scene](QWaylandSurface *surface) { scene->clientSeen(surface->client()); });
     QObject::connect(seat, &QWaylandSeat::cursorSurfaceRequested, scene,
         [&server](QWaylandSurface *surface, int x, int y, QWaylandClient *) {
             QWSCursor cursor(QPoint(x, y));
@@ -120,7 +118,11 @@ void Compositor::sendPointer(const PointerState &state) { m_input->sendPointer(s
 
 void Compositor::setInputEnabled(bool on) { m_input->setEnabled(on); }
 
-int Compositor::pendingInput() const { return ClientBacklog::waiting(*m_compositor); }
+int Compositor::pendingInput() const
+{
+    const ClientWindow *active = m_scene->activeWindow();
+    return active ? ClientBacklog::waiting(*active->client()) : 0;
+}
 
 QList<QWSWindow *> Compositor::windows() const { return m_scene->windows(); }
 

@@ -41,6 +41,11 @@ void Input::follow(ClientWindow *window)
 
 void Input::setEnabled(bool on)
 {
+    if (!on) {
+        // Their keys will go up unseen.
+        for (const int code : m_holders.keys())
+            deliver({0, code, 0, false, false});
+    }
     m_enabled = on;
     m_held.reset();
     m_repeatTimer.stop();
@@ -66,8 +71,12 @@ void Input::sendKey(const KeyStroke &stroke)
 // One key at a time repeats: the one pressed last. A driver that sends repeats of its own has the say.
 void Input::watchRepeat(const KeyStroke &stroke)
 {
-    const bool sameKey = m_held && m_held->keycode == stroke.keycode && m_held->unicode == stroke.unicode;
-    if (stroke.isPress || sameKey) {
+    // A key may come up under another name than it went down: with Shift let go before it, "!" becomes "1".
+    const int code = keyCode(stroke);
+    const bool isModifier = code >= Qt::Key_Shift && code <= Qt::Key_ScrollLock;
+    const bool sameKey = m_held && keyCode(*m_held) == code;
+    const bool renamed = !m_holders.contains(code) && !isModifier;
+    if (stroke.isPress || sameKey || renamed) {
         m_held.reset();
         m_repeatTimer.stop();
     }
@@ -90,14 +99,17 @@ void Input::deliver(const KeyStroke &stroke)
     const int code = keyCode(stroke);
     QKeyEvent event(stroke.isPress ? QEvent::KeyPress : QEvent::KeyRelease, code,
         Qt::KeyboardModifiers::fromInt(stroke.modifiers), keyText(stroke), stroke.autoRepeat);
+    if (!stroke.isPress && m_holders.contains(code)) {
+        if (const QPointer<QWaylandSurface> holder = m_holders.take(code))
+            deliverTo(holder, event);
+        return;
+    }
     if (QWidget *own = serverWidgetWithFocus()) {
         QCoreApplication::sendEvent(own, &event);
         return;
     }
     ClientWindow *active = m_scene.activeWindow();
-    QPointer<QWaylandSurface> target = active ? active->surface() : nullptr;
-    if (!stroke.isPress && m_holders.contains(code))
-        target = m_holders.take(code);
+    const QPointer<QWaylandSurface> target = active ? active->surface() : nullptr;
     if (!target)
         return;
     if (stroke.isPress)
@@ -167,11 +179,11 @@ bool Input::eventFilter(QObject *, QEvent *event)
 
 bool Input::ownKey(const QKeyEvent &event)
 {
-    if (serverWidgetWithFocus())
+    const bool isPress = event.type() == QEvent::KeyPress;
+    if (serverWidgetWithFocus() && (isPress || !m_holders.contains(event.key())))
         return false; // the toolkit brings it there
     const QList<uint> characters = event.text().toUcs4();
     const int unicode = characters.isEmpty() ? 0 : static_cast<int>(characters.first());
-    const bool isPress = event.type() == QEvent::KeyPress;
     if (!isPress && event.isAutoRepeat())
         return true; // a display repeats as pairs; on a phone only the presses repeat
     QWSServer::sendKeyEvent(unicode, event.key(), event.modifiers().toInt(), isPress, event.isAutoRepeat());

@@ -8,6 +8,14 @@
 #include <QWaylandSurface>
 #include <algorithm>
 #include <iterator>
+#include <wayland-server-core.h>
+
+namespace {
+
+// More than any program shows, and few enough that one client cannot keep the server busy with stacking.
+constexpr std::ptrdiff_t kMaxWindowsPerClient = 200;
+
+}
 
 Scene::Scene(QWSServer &server, QWidget *screen)
     : m_server(server), m_screen(screen), m_surroundings{screen->rect(), screen->rect()}
@@ -30,9 +38,16 @@ void Scene::surfaceCreated(ShellSurface *shell)
 
 void Scene::adopt(ShellSurface *shell)
 {
+    const auto sameClient = [shell](const auto &window) { return window->client() == shell->surface()->client(); };
+    if (std::count_if(m_windows.begin(), m_windows.end(), sameClient) >= kMaxWindowsPerClient) {
+        wl_client_post_no_memory(shell->surface()->waylandClient());
+        return;
+    }
     WindowLabel label = m_labels.value(shell->surface());
     if (label.id == 0)
         label = serverLabel();
+    if (label.id == 0)
+        return; // all numbers are given away
     attach(windowFor(shell->surface()->client(), label), shell);
 }
 
@@ -61,6 +76,17 @@ void Scene::windowForgotten(int id)
 {
     if (ClientWindow *window = windowById(id))
         destroy(*window);
+}
+
+void Scene::clientSeen(QWaylandClient *client)
+{
+    if (m_clients.contains(client))
+        return;
+    m_clients.insert(client);
+    connect(client, &QObject::destroyed, this, [this, client] {
+        m_clients.remove(client);
+        clientGone(client);
+    });
 }
 
 void Scene::clientGone(const QWaylandClient *client)
@@ -102,15 +128,18 @@ ClientWindow &Scene::windowFor(QWaylandClient *client, const WindowLabel &label)
 WindowLabel Scene::serverLabel() const
 {
     int id = 1;
-    while (id < WindowIds::kRange - 1 && windowById(id))
+    while (id < WindowIds::kRange && windowById(id))
         ++id;
-    return {id, {}, false};
+    return id < WindowIds::kRange ? WindowLabel{id, {}, false} : WindowLabel{};
 }
 
 void Scene::attach(ClientWindow &window, ShellSurface *shell)
 {
+    // When a client shows one window by two surfaces the last one counts.
+    if (window.isVisible())
+        disappeared(window);
     if (window.shell())
-        release(window); // the client shows one window by two surfaces: the last one counts
+        window.unshow();
     auto view = std::make_unique<SurfaceView>(shell->surface(), m_output, m_screen);
     SurfaceView &shown = *view;
     follow(window, shell, shown);

@@ -9,6 +9,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <memory>
 #include <vector>
 
@@ -30,7 +31,7 @@ public:
     void surfaceCreated(ShellSurface *shell);
     void surfaceIdentified(QWaylandSurface *surface, const WindowLabel &label);
     void windowForgotten(int id);
-    void clientGone(const QWaylandClient *client);
+    void clientSeen(QWaylandClient *client);
 
     // From windows.
     void raise(ClientWindow &window);
@@ -52,9 +53,10 @@ Q_SIGNALS:
     void rearranged(); // what is covered may have changed
 
 private:
+    void clientGone(const QWaylandClient *client);
     ClientWindow *windowById(int id) const;
     ClientWindow &windowFor(QWaylandClient *client, const WindowLabel &label);
-    WindowLabel serverLabel() const;
+    WindowLabel serverLabel() const; // of number 0 when there is none left
     void adopt(ShellSurface *shell);
     void attach(ClientWindow &window, ShellSurface *shell);
     void follow(ClientWindow &window, ShellSurface *shell, SurfaceView &view);
@@ -69,6 +71,7 @@ private:
     void pressed(ClientWindow &window);
 
     void putInFront(ClientWindow &window);
+    [[nodiscard]] int layerOf(const ClientWindow &window) const;
     qsizetype placeOnTopOf(const ClientWindow &window) const;
     bool intrudes(const ClientWindow &window) const;
     void restack();
@@ -83,5 +86,6 @@ private:
     std::vector<std::unique_ptr<ClientWindow>> m_windows;
     QList<ClientWindow *> m_stack; // the visible ones, back to front
     ClientWindow *m_active = nullptr;
+    QSet<const QWaylandClient *> m_clients;
     QHash<QWaylandSurface *, WindowLabel> m_labels; // identified, maybe before they had a role
 };

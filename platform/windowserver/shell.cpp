@@ -1,5 +1,7 @@
 #include "platform/windowserver/shell.h"
 
+#include <QPointer>
+
 #include <QWaylandCompositor>
 
 namespace {
@@ -134,6 +136,8 @@ void Shell::zqt_shell_v1_surface_create(Resource *resource, wl_resource *surface
         return;
     auto *shell = new ShellSurface(surface, resource->client(), id, resource->version());
     m_taken.insert(surface);
-    connect(shell, &ShellSurface::gone, this, [this, surface] { m_taken.remove(surface); });
+    // Either may go first, and another surface may come to stand at the same address.
+    connect(surface, &QObject::destroyed, this, [this, surface] { m_taken.remove(surface); });
+    connect(shell, &ShellSurface::gone, this, [this, living = QPointer(surface)] { m_taken.remove(living); });
     Q_EMIT surfaceCreated(shell);
 }

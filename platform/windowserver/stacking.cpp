@@ -6,15 +6,9 @@
 
 #include <QWaylandClient>
 #include <algorithm>
+#include <iterator>
 
 namespace {
-
-int layerOf(const ClientWindow &window)
-{
-    if (window.isPopup())
-        return 2;
-    return window.staysOnTop() ? 1 : 0;
-}
 
 bool isDialog(const ClientWindow &window) { return window.kind() == WindowKind::Dialog; }
 
@@ -64,17 +58,40 @@ void applyOrder(const QWidget *screen, const QWidgetList &backToFront)
 
 }
 
+// A dialog is never below the windows of its client, not even below those that stay on top.
+int Scene::layerOf(const ClientWindow &window) const
+{
+    if (window.isPopup())
+        return 2;
+    const auto lifts = [&window](const ClientWindow *other) {
+        return other->client() == window.client() && other->staysOnTop() && !other->isPopup();
+    };
+    const bool lifted = isDialog(window) && std::any_of(m_stack.cbegin(), m_stack.cend(), lifts);
+    return window.staysOnTop() || lifted ? 1 : 0;
+}
+
 // The index behind which the window is in front of all others of its layer.
 qsizetype Scene::placeOnTopOf(const ClientWindow &window) const
 {
-    const auto higher = [&window](const ClientWindow *other) { return layerOf(*other) > layerOf(window); };
-    return std::find_if(m_stack.cbegin(), m_stack.cend(), higher) - m_stack.cbegin();
+    const int layer = layerOf(window);
+    const auto notHigher = [this, layer](const ClientWindow *other) { return layerOf(*other) <= layer; };
+    return m_stack.crend() - std::find_if(m_stack.crbegin(), m_stack.crend(), notHigher);
 }
 
+// With the dialogs of its client.
 void Scene::putInFront(ClientWindow &window)
 {
-    m_stack.removeOne(&window);
-    m_stack.insert(placeOnTopOf(window), &window);
+    QList<ClientWindow *> moving{&window};
+    if (!isDialog(window) && !window.isPopup()) {
+        std::copy_if(
+            m_stack.cbegin(), m_stack.cend(), std::back_inserter(moving), [&window](const ClientWindow *other) {
+                return other != &window && other->client() == window.client() && isDialog(*other);
+            });
+    }
+    for (ClientWindow *each : moving) {
+        m_stack.removeOne(each);
+        m_stack.insert(placeOnTopOf(*each), each);
+    }
 }
 
 // A dialog of a program in the background stays with that program's windows, if it has any.
@@ -119,26 +136,23 @@ void Scene::raise(ClientWindow &window)
     if (!window.isVisible())
         return;
     putInFront(window);
-    if (!isDialog(window) && !window.isPopup()) {
-        for (ClientWindow *other : shown()) {
-            if (other->client() == window.client() && isDialog(*other))
-                putInFront(*other);
-        }
-    }
     restack();
     Q_EMIT m_server.windowEvent(&window, QWSServer::Raise);
     activate(window);
 }
 
+// The dialogs of its client go along; a dialog takes all of its client along, which may be waiting for it.
 void Scene::lower(ClientWindow &window)
 {
-    if (!window.isVisible())
+    if (!window.isVisible() || window.isPopup())
         return;
     const auto goesAlong = [&window](const ClientWindow *other) {
-        return other == &window || (other->client() == window.client() && isDialog(*other));
+        return other == &window
+            || (other->client() == window.client() && (isDialog(*other) || (isDialog(window) && !other->isPopup())));
     };
     std::stable_partition(m_stack.begin(), m_stack.end(), goesAlong);
-    m_stack.move(m_stack.indexOf(&window), 0);
+    if (!isDialog(window))
+        m_stack.move(m_stack.indexOf(&window), 0);
     restack();
     Q_EMIT m_server.windowEvent(&window, QWSServer::Lower);
     setActive(frontmostForFocus());
@@ -186,7 +200,10 @@ ClientWindow *Scene::frontmostForFocus() const
 {
     const auto found = std::find_if(
         m_stack.crbegin(), m_stack.crend(), [](const ClientWindow *window) { return window->takesFocus(); });
-    return found == m_stack.crend() ? nullptr : *found;
+    if (found == m_stack.crend())
+        return nullptr;
+    ClientWindow *modal = modalFor((*found)->client());
+    return modal ? modal : *found;
 }
 
 void Scene::pressed(ClientWindow &window)

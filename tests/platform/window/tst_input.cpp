@@ -23,6 +23,7 @@ private Q_SLOTS:
     void keysArriveWhole();
     void driversRepeatIsPassedOn();
     void heldKeyRepeatsUntilReleased();
+    void aKeyThatComesUpUnderAnotherNameStopsRepeating();
     void releaseFollowsThePress();
     void filterSeesKeysFirst();
     void serverWidgetWithFocusGetsKeys();
@@ -104,6 +105,24 @@ void TstInput::heldKeyRepeatsUntilReleased()
     QVERIFY(client.says(QStringLiteral("w release %1").arg(int(Qt::Key_Down))));
     QVERIFY(client.says(u"w press"_qs));
     QCOMPARE(client.line(), QStringLiteral("w press %1  0 0").arg(int(Qt::Key_F7)));
+}
+
+void TstInput::aKeyThatComesUpUnderAnotherNameStopsRepeating()
+{
+    Client client;
+    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
+    QWSServer::setKeyRepeat(1, 1);
+    QWSServer::sendKeyEvent('!', Qt::Key_Exclam, int(Qt::ShiftModifier), true, false);
+    QVERIFY(client.says(u"w press"_qs));
+    QWSServer::sendKeyEvent('1', Qt::Key_1, 0, false, false);
+    QWSServer::sendKeyEvent(0, Qt::Key_F7, 0, true, false);
+    const QString last = QStringLiteral("w press %1  0 0").arg(int(Qt::Key_F7));
+    do
+        QVERIFY(client.says(u"w press"_qs)); // repeats that were under way
+    while (client.line() != last);
+    QWSServer::sendKeyEvent(0, Qt::Key_F8, 0, true, false);
+    QVERIFY(client.says(u"w press"_qs));
+    QCOMPARE(client.line(), QStringLiteral("w press %1  0 0").arg(int(Qt::Key_F8)));
 }
 
 void TstInput::releaseFollowsThePress()

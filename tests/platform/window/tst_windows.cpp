@@ -18,6 +18,7 @@ private Q_SLOTS:
     void closingGivesTheFocusToTheNext();
     void modalDialogStandsInForItsProgram();
     void dialogOfBackgroundProgramStaysThere();
+    void dialogTakesItsProgramAlong();
     void focusIsNotTaken();
     void clickRaisesAndClosesPopupsOfOthers();
     void menuClosesOnClickOnTheServersBar();
@@ -161,6 +162,21 @@ void TstWindows::dialogOfBackgroundProgramStaysThere()
     QCOMPARE(server().activeWindow(), front.window(u"w"_qs));
     QCOMPARE(server().clientWindows(),
         (QList<QWSWindow *>{front.window(u"w"_qs), background.window(u"d"_qs), background.window(u"w"_qs)}));
+}
+
+void TstWindows::dialogTakesItsProgramAlong()
+{
+    Client asking;
+    Client other;
+    QVERIFY(other.shows(u"w"_qs, u"main"_qs, u"blue"_qs));
+    QVERIFY(asking.shows(u"w"_qs, u"main"_qs));
+    QVERIFY(asking.shows(u"d"_qs, u"dialog"_qs));
+    asking.window(u"d"_qs)->lower();
+    QCOMPARE(server().activeWindow(), other.window(u"w"_qs));
+    QCOMPARE(server().clientWindows(),
+        (QList<QWSWindow *>{other.window(u"w"_qs), asking.window(u"d"_qs), asking.window(u"w"_qs)}));
+    QVERIFY(asking.shows(u"w2"_qs, u"main"_qs)); // comes to the front, but not over the dialog
+    QCOMPARE(server().clientWindows().first(), asking.window(u"d"_qs));
 }
 
 void TstWindows::focusIsNotTaken()
