@@ -51,6 +51,7 @@ int main(int argc, char **argv)
 {
     if (const auto status = checkArguments(argc, argv))
         return *status;
+    holdTerminationSignals();
     ZApplication application(argc, argv, ZApplication::GuiServer);
     const TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &application, &QCoreApplication::quit);
@@ -58,6 +59,7 @@ int main(int argc, char **argv)
     const StatusBar statusBar(server.screenWidget());
     server.setWorkArea(server.screenWidget()->rect().adjusted(0, StatusBar::kHeight, 0, 0));
     const ScreenService screenService;
+    releaseTerminationSignals();
     announce();
     return ZApplication::exec();
 }

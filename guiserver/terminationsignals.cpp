@@ -12,6 +12,15 @@ namespace {
 constexpr std::array kSignals{SIGTERM, SIGINT};
 std::array<int, 2> pipeEnds{-1, -1}; // read, write
 
+void changeMask(int how)
+{
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : kSignals)
+        sigaddset(&set, number);
+    pthread_sigmask(how, &set, nullptr);
+}
+
 void onSignal(int)
 {
     const int saved = errno;
@@ -21,6 +30,10 @@ void onSignal(int)
 }
 
 }
+
+void holdTerminationSignals() { changeMask(SIG_BLOCK); }
+
+void releaseTerminationSignals() { changeMask(SIG_UNBLOCK); }
 
 TerminationSignals::TerminationSignals()
 {

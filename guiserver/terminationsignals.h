@@ -3,6 +3,10 @@
 
 #include <QObject>
 
+// In between both signals wait: a process that is still starting cannot end in good order.
+void holdTerminationSignals();
+void releaseTerminationSignals();
+
 // While it lives, either signal emits received() from the event loop instead of ending the process. One object in a
 // process. (Handlers, not blocked signals: a mask would be inherited by the programs that the server starts.)
 class TerminationSignals : public QObject {
