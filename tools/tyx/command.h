@@ -32,5 +32,6 @@ void addQueue(CLI::App &app, int &exit);
 void addScreen(CLI::App &app, int &exit);
 void addBus(CLI::App &app, int &exit);
 void addConfig(CLI::App &app, int &exit);
+void addDoctor(CLI::App &app, int &exit);
 
 }

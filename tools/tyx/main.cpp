@@ -51,6 +51,7 @@ int main(int argc, char **argv)
     tyx::addBus(app, exit);
     tyx::addConfig(app, exit);
     tyx::addQueue(app, exit);
+    tyx::addDoctor(app, exit);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

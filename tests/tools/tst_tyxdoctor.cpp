@@ -1,0 +1,107 @@
+#include "platform/bus/busbroker.h"
+#include "tests/support/testfiles.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <sys/shm.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+// The program as it is typed, on a machine with one fault at a time.
+class TstTyxDoctor : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsNothingWrongOnAVirginPhone();
+    void namesTheFaultAndTheCure_data();
+    void namesTheFaultAndTheCure();
+    void asksTheServer();
+};
+
+namespace {
+
+const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
+
+constexpr char kKeyFile[] = "/tmp/key_testcommand";
+
+QJsonArray findings(int status)
+{
+    const Outcome outcome = run(kTyx, {u"doctor"_s, u"--json"_s});
+    if (outcome.status != status)
+        qWarning("status %d: %s", outcome.status, QByteArray(outcome.out + outcome.err).constData());
+    return outcome.status == status ? QJsonDocument::fromJson(outcome.out).array() : QJsonArray();
+}
+
+QJsonObject about(const QJsonArray &all, const QString &place)
+{
+    for (const QJsonValue &finding : all) {
+        if (finding[u"about"].toString().startsWith(place))
+            return finding.toObject();
+    }
+    return {};
+}
+
+}
+
+void TstTyxDoctor::findsNothingWrongOnAVirginPhone()
+{
+    const QJsonArray all = findings(0);
+    QCOMPARE(about(all, u"/tmp/run/tyx-bus"_s)[u"state"], u"note"_s);
+    QCOMPARE(about(all, u"/setup/"_s)[u"state"], u"ok"_s);
+    QCOMPARE(about(all, u"/dev/keypad0"_s)[u"state"], u"ok"_s);
+    QCOMPARE(run(kTyx, {u"doctor"_s, u"now"_s}).status, 2);
+}
+
+void TstTyxDoctor::namesTheFaultAndTheCure_data()
+{
+    QTest::addColumn<QString>("damage"); // done by the shell
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("cure");
+    QTest::newRow("a linked key file") << u"ln -s /etc/passwd /tmp/touch_sound_msg"_s << u"/tmp/touch_sound_msg"_s
+                                       << u"remove it"_s;
+    QTest::newRow("a segment of the wrong size")
+        << u"touch /tmp/key_testcommand"_s << u"/tmp/key_testcommand 'm'"_s << u"ipcrm -m"_s;
+    QTest::newRow("a broken settings file")
+        << u"printf '[A]\\nb=1\\njunk\\n' > /tmp/tyx_system.cfg"_s << u"/tmp/tyx_system.cfg"_s << u"tyx config check"_s;
+    QTest::newRow("a folder instead of settings")
+        << u"mkdir /tmp/tyx_theme.cfg"_s << u"/tmp/tyx_theme.cfg"_s << u"put a readable file there"_s;
+    QTest::newRow("damaged messages") << u"echo damage > /tmp/qcop-msg-x"_s << u"/tmp/qcop-msg-x"_s
+                                      << u"tyx queue drop x"_s;
+    QTest::newRow("the socket of a dead server")
+        << u"python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind(\"/tmp/run/tyx-bus\")'"_s
+        << u"/tmp/run/tyx-bus"_s << u"start tyx-guiserver"_s;
+}
+
+void TstTyxDoctor::namesTheFaultAndTheCure()
+{
+    QFETCH(QString, damage);
+    QFETCH(QString, place);
+    QFETCH(QString, cure);
+    QCOMPARE(run(u"/bin/sh"_s, {u"-c"_s, damage}).status, 0);
+    const key_t key = ::ftok(kKeyFile, 'm');
+    const int segment = key == -1 ? -1 : ::shmget(key, 100, IPC_CREAT | 0600);
+    const QJsonArray all = findings(1);
+    ::shmctl(segment, IPC_RMID, nullptr);
+    run(u"/bin/sh"_s,
+        {u"-c"_s, u"rm -rf /tmp/key_testcommand /tmp/touch_sound_msg /tmp/tyx_* /tmp/qcop-* /tmp/run/tyx-bus"_s});
+    const QJsonObject finding = about(all, place);
+    QCOMPARE(finding[u"state"], u"wrong"_s);
+    QVERIFY2(finding[u"cure"].toString().contains(cure), qPrintable(finding[u"cure"].toString()));
+}
+
+void TstTyxDoctor::asksTheServer()
+{
+    const auto broker = platform::BusBroker::listen();
+    QVERIFY(broker);
+    QProcess tyx;
+    tyx.start(kTyx, {u"doctor"_s, u"--json"_s});
+    QVERIFY(QTest::qWaitFor([&] { return tyx.state() == QProcess::NotRunning; }, 20'000)); // the broker works meanwhile
+    QCOMPARE(tyx.exitCode(), 0);
+    const QJsonArray all = QJsonDocument::fromJson(tyx.readAllStandardOutput()).array();
+    QCOMPARE(about(all, u"/tmp/run/tyx-bus"_s)[u"text"], u"a bus without a GUI server; 0 programs have channels"_s);
+}
+
+QTEST_GUILESS_MAIN(TstTyxDoctor)
+#include "tst_tyxdoctor.moc"

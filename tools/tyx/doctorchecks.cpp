@@ -1,0 +1,298 @@
+#include "tools/tyx/doctorchecks.h"
+
+#include "appbase/config/configcheck.h"
+#include "appbase/config/configfile.h"
+#include "appbase/messaging/queuefile.h"
+#include "platform/bus/businspector.h"
+#include "tools/tyx/command.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+#include <ZConfig>
+#include <algorithm>
+#include <cstring>
+#include <sys/ipc.h>
+#include <sys/shm.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace tyx {
+
+namespace {
+
+using platform::BusInspector;
+using State = Finding::State;
+
+Finding fine(const QString &about, const QString &text) { return {State::Fine, about, text, {}}; }
+Finding note(const QString &about, const QString &text) { return {State::Note, about, text, {}}; }
+Finding wrong(const QString &about, const QString &text, const QString &cure)
+{
+    return {State::Wrong, about, text, cure};
+}
+
+QString errorText(int number) { return QString::fromLocal8Bit(std::strerror(number)); }
+
+QString owner(uid_t user) { return user == ::geteuid() ? QStringLiteral("you") : QStringLiteral("user %1").arg(user); }
+
+QList<Finding> temporaryFolder()
+{
+    const QString place = QStringLiteral("/tmp");
+    struct stat status = {};
+    if (::stat("/tmp", &status) != 0 || !S_ISDIR(status.st_mode))
+        return {wrong(place, QStringLiteral("there is no such folder"), QStringLiteral("mkdir -m 1777 /tmp"))};
+    if (::access("/tmp", R_OK | W_OK | X_OK) != 0)
+        return {wrong(place, QStringLiteral("you may not write there"), QStringLiteral("chmod 1777 /tmp"))};
+    if ((status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0)
+        return {
+            wrong(place, QStringLiteral("everybody may remove everybody's files"), QStringLiteral("chmod +t /tmp"))};
+    return {fine(place, QStringLiteral("can be written"))};
+}
+
+QList<Finding> bus()
+{
+    const QString place = QString::fromLocal8Bit(BusInspector::socketPath());
+    const auto bus = BusInspector::open();
+    if (!bus) {
+        switch (bus.error().number) {
+        case ENOENT:
+            return {note(place, QStringLiteral("no phone is running; start it with tyx-guiserver"))};
+        case ECONNREFUSED:
+            return {wrong(place, QStringLiteral("left behind by a server that died"),
+                QStringLiteral("start tyx-guiserver, which replaces it"))};
+        case EACCES:
+            return {wrong(place, QStringLiteral("belongs to somebody else's phone"),
+                QStringLiteral("run as the user of that phone, or start tyx-guiserver with --group"))};
+        default:
+            return {wrong(place, bus.error().text(),
+                QStringLiteral("set XDG_RUNTIME_DIR to a folder of your own with mode 0700"))};
+        }
+    }
+    const auto registrations = (*bus)->registrations();
+    if (!registrations)
+        return {wrong(place, QStringLiteral("the server does not answer"),
+            QStringLiteral("stop tyx-guiserver and "
+                           "start it again"))};
+    QSet<quint32> programs;
+    bool hasServer = false;
+    for (const auto &[channel, pid] : *registrations) {
+        programs.insert(pid);
+        hasServer = hasServer || channel == "TYX/QtServer";
+    }
+    if (!hasServer)
+        return {
+            note(place, QStringLiteral("a bus without a GUI server; %1 programs have channels").arg(programs.size()))};
+    return {fine(place, QStringLiteral("%1 programs have channels").arg(programs.size()))};
+}
+
+struct Keyed {
+    const char *file;
+    char project;
+    const char *what;
+    std::size_t segmentSize; // 0: no shared memory
+};
+constexpr Keyed kKeyed[] = {
+    {"/tmp/key_testcommand", 'm', "status table", 4096},
+    {"/tmp/key_testcommand", 'n', "application manager's table", 4096},
+    {"/tmp/touch_sound_msg", 't', "sound queue", 0},
+};
+
+QString nameOf(const Keyed &keyed)
+{
+    return QStringLiteral("%1 '%2' (%3)")
+        .arg(QLatin1String(keyed.file), QChar::fromLatin1(keyed.project), QLatin1String(keyed.what));
+}
+
+std::vector<const char *> keyFiles()
+{
+    std::vector<const char *> files;
+    for (const Keyed &keyed : kKeyed) {
+        if (files.empty() || std::strcmp(files.back(), keyed.file) != 0)
+            files.push_back(keyed.file);
+    }
+    return files;
+}
+
+QList<Finding> keyFileFindings()
+{
+    QList<Finding> findings;
+    for (const char *file : keyFiles()) {
+        const QString place = QString::fromLatin1(file);
+        struct stat status = {};
+        if (::lstat(file, &status) != 0)
+            findings.append(errno == ENOENT
+                    ? note(place, QStringLiteral("missing; tyx-guiserver makes it when it starts"))
+                    : wrong(place, errorText(errno), QStringLiteral("check the folder")));
+        else if (!S_ISREG(status.st_mode))
+            findings.append(wrong(place,
+                QStringLiteral("is no regular file: whoever owns what it names decides "
+                               "which shared memory all programs use"),
+                QStringLiteral("remove it and start tyx-guiserver again")));
+        else
+            findings.append(fine(place, QStringLiteral("belongs to %1").arg(owner(status.st_uid))));
+    }
+    return findings;
+}
+
+// ftok() folds a file's number into 16 bits: two files may mean one key, and a key may be 0, which is nobody's.
+QList<Finding> keyFindings()
+{
+    QList<Finding> findings;
+    std::vector<std::pair<key_t, const Keyed *>> keys;
+    for (const Keyed &keyed : kKeyed) {
+        const key_t key = ::ftok(keyed.file, keyed.project);
+        if (key == -1)
+            continue; // told with the file
+        const QString replace =
+            QStringLiteral("stop the phone, remove %1 and start again").arg(QLatin1String(keyed.file));
+        if (key == IPC_PRIVATE)
+            findings.append(
+                wrong(nameOf(keyed), QStringLiteral("its key is 0: every program gets an object of its own"), replace));
+        const auto other = std::ranges::find(keys, key, [](const auto &known) { return known.first; });
+        if (other != keys.end())
+            findings.append(
+                wrong(nameOf(keyed), QStringLiteral("has the same key as %1").arg(nameOf(*other->second)), replace));
+        keys.emplace_back(key, &keyed);
+    }
+    if (findings.isEmpty() && !keys.empty())
+        findings.append(fine(QStringLiteral("keys"), QStringLiteral("%1, all different").arg(keys.size())));
+    return findings;
+}
+
+QList<Finding> segments()
+{
+    QList<Finding> findings;
+    for (const Keyed &keyed : kKeyed) {
+        const key_t key = keyed.segmentSize != 0 ? ::ftok(keyed.file, keyed.project) : -1;
+        if (key == -1 || key == IPC_PRIVATE)
+            continue;
+        const int id = ::shmget(key, 0, 0);
+        shmid_ds status = {};
+        if (id < 0 || ::shmctl(id, IPC_STAT, &status) != 0) {
+            findings.append(errno == ENOENT
+                    ? note(nameOf(keyed), QStringLiteral("not made yet; tyx-guiserver makes it"))
+                    : wrong(nameOf(keyed), errorText(errno), QStringLiteral("run as its owner")));
+            continue;
+        }
+        const QString remove = QStringLiteral("stop the phone, ipcrm -m %1, and start again").arg(id);
+        if (status.shm_segsz != keyed.segmentSize)
+            findings.append(wrong(nameOf(keyed),
+                QStringLiteral("has %1 bytes instead of %2").arg(status.shm_segsz).arg(keyed.segmentSize), remove));
+        else if ((status.shm_perm.mode & 0666) != 0666 && status.shm_perm.uid != ::geteuid())
+            findings.append(wrong(nameOf(keyed),
+                QStringLiteral("belongs to %1, mode %2: you may not use it")
+                    .arg(owner(status.shm_perm.uid))
+                    .arg(status.shm_perm.mode & 0777, 4, 8, QLatin1Char('0')),
+                remove));
+        else
+            findings.append(fine(nameOf(keyed),
+                QStringLiteral("%1 bytes, belongs to %2").arg(status.shm_segsz).arg(owner(status.shm_perm.uid))));
+    }
+    return findings;
+}
+
+QList<Finding> folders()
+{
+    QList<Finding> findings;
+    const QString settings = ZConfig::getSettingDirectory();
+    const QFileInfo info(settings);
+    if (!info.isDir())
+        findings.append(wrong(settings, QStringLiteral("there is no such folder: no setting can be kept"),
+            QStringLiteral("make it, or set TYX_APP_WRITE_PATH to the folder that holds setup/")));
+    else if (!info.isWritable())
+        findings.append(wrong(settings, QStringLiteral("you may not write there: no setting can be kept"),
+            QStringLiteral("give it to the user of the phone")));
+    else
+        findings.append(fine(settings, QStringLiteral("settings can be kept")));
+    for (const char *variable : {"TYX_RES_STRING_PATH", "TYX_RES_FONT_PATH", "TYX_RES_ICON_PATH", "TYX_LANG"}) {
+        const QString folder = qEnvironmentVariable(variable);
+        const QString place = QStringLiteral("%1=%2").arg(QLatin1String(variable), folder);
+        if (!folder.isEmpty())
+            findings.append(QFileInfo(folder).isDir() ? fine(place, QStringLiteral("is there"))
+                                                      : wrong(place, QStringLiteral("there is no such folder"),
+                                                          QStringLiteral("correct the variable, or unset it")));
+    }
+    return findings;
+}
+
+Finding configuration(const QString &path)
+{
+    const auto bytes = config::readFile(path);
+    if (!bytes)
+        return wrong(path, bytes.error().text(),
+            QStringLiteral("put a readable file there, or remove it: its settings have their defaults meanwhile"));
+    const auto stop = config::whereReadingStops(*bytes);
+    if (stop)
+        return wrong(path, QStringLiteral("line %1: %2").arg(stop->line).arg(stop->text),
+            QStringLiteral("tyx config check %1 tells more").arg(path));
+    return fine(path, QStringLiteral("can be read"));
+}
+
+QList<Finding> configurations()
+{
+    QList<Finding> findings;
+    const QStringList pattern{QStringLiteral("*.cfg")};
+    for (const QString &folder :
+        {QStringLiteral("/tmp/"), ZConfig::getSettingDirectory(), QStringLiteral("/usr/setup/")}) {
+        for (const QString &name : QDir(folder).entryList(pattern, QDir::AllEntries | QDir::System, QDir::Name))
+            findings.append(configuration(folder + name));
+    }
+    return findings;
+}
+
+QList<Finding> waitingMessages()
+{
+    QList<Finding> findings;
+    const QFileInfo prefix(QString::fromLatin1(queue::kFilePrefix));
+    const QStringList pattern{QString(prefix.fileName() + u'*')};
+    for (const QString &file : QDir(prefix.path()).entryList(pattern, QDir::AllEntries | QDir::System, QDir::Name)) {
+        const QString name = file.mid(prefix.fileName().size());
+        const QString place = prefix.path() + u'/' + printable(file.toUtf8());
+        const auto glance = queue::glance(QFile::encodeName(name));
+        if (!glance)
+            findings.append(wrong(place, glance.error().text(), QStringLiteral("remove it: senders make it anew")));
+        else if (glance->contents.damaged)
+            findings.append(
+                wrong(place, QStringLiteral("damaged behind message %1").arg(glance->contents.records.size()),
+                    QStringLiteral("tyx queue drop %1").arg(printable(name.toUtf8()))));
+        else
+            findings.append(fine(place, QStringLiteral("%1 messages wait").arg(glance->contents.records.size())));
+    }
+    return findings;
+}
+
+QList<Finding> devices()
+{
+    QList<Finding> findings;
+    for (const char *device : {"/dev/keypad0", "/dev/button", "/dev/tyx_ts"}) {
+        const QString place = QString::fromLatin1(device);
+        if (::access(device, F_OK) != 0)
+            findings.append(note(place, QStringLiteral("not on this machine")));
+        else if (::access(device, R_OK) != 0)
+            findings.append(wrong(place, QStringLiteral("you may not read it"),
+                QStringLiteral("give it to the group of the phone's user")));
+        else
+            findings.append(fine(place, QStringLiteral("can be read")));
+    }
+    return findings;
+}
+
+}
+
+QList<Check> doctorChecks()
+{
+    return {
+        {"temporary files", temporaryFolder},
+        {"bus", bus},
+        {"key files", keyFileFindings},
+        {"keys", keyFindings},
+        {"shared memory", segments},
+        {"folders", folders},
+        {"configuration", configurations},
+        {"waiting messages", waitingMessages},
+        {"devices", devices},
+    };
+}
+
+}
