@@ -15,7 +15,7 @@ namespace {
 
 // The size is a hint: the file may grow or shrink meanwhile, and some file systems do not know it. There is room for a
 // byte more, so that a file of just that size needs no second call.
-platform::Result<QByteArray> readToEnd(int fd, qint64 sizeHint)
+platform::Result<QByteArray> readToEnd(int fd, qint64 sizeHint, qint64 maxBytes)
 {
     QByteArray bytes(sizeHint + 1, Qt::Uninitialized);
     qsizetype filled = 0;
@@ -28,7 +28,7 @@ platform::Result<QByteArray> readToEnd(int fd, qint64 sizeHint)
         filled += count;
         if (count == 0 || filled == sizeHint)
             break;
-        if (filled > kMaxFileBytes)
+        if (filled > maxBytes)
             return failed("read", EFBIG);
         if (filled == bytes.size())
             bytes.resize(2 * filled);
@@ -39,7 +39,7 @@ platform::Result<QByteArray> readToEnd(int fd, qint64 sizeHint)
 
 }
 
-platform::Result<QByteArray> readFile(const QString &path)
+platform::Result<QByteArray> readFile(const QString &path, qint64 maxBytes)
 {
     if (path.contains(QChar::Null))
         return failed("open", EINVAL);
@@ -51,9 +51,9 @@ platform::Result<QByteArray> readFile(const QString &path)
         return failed("fstat");
     if (!S_ISREG(status.st_mode))
         return failed("open", S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-    if (status.st_size > kMaxFileBytes)
+    if (status.st_size > maxBytes)
         return failed("read", EFBIG);
-    return readToEnd(file->get(), status.st_size);
+    return readToEnd(file->get(), status.st_size, maxBytes);
 }
 
 }

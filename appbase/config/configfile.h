@@ -18,6 +18,6 @@ inline constexpr mode_t kFileMode = 0666;
 
 // The whole file. Anything but a regular file (a FIFO, a directory, a device) is EINVAL without waiting for it, a file
 // over the limit EFBIG. Exported for the tools, not installed.
-TYX_EXPORT platform::Result<QByteArray> readFile(const QString &path);
+TYX_EXPORT platform::Result<QByteArray> readFile(const QString &path, qint64 maxBytes = kMaxFileBytes);
 
 }
