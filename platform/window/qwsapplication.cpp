@@ -7,6 +7,7 @@
 #include "platform/window/qwsdecoration.h"
 #include "platform/window/qwsserver.h"
 #include "platform/window/startup.h"
+#include "platform/window/windowframe.h"
 #include "platform/window/windowregistry.h"
 #include "platform/window/windowserverbackend.h"
 #include "platform/window/windowserverloader.h"
@@ -76,6 +77,20 @@ bool filterEvent(QWSApplication &application, int window, const QEvent &event)
     case QEvent::FocusIn:
     case QEvent::FocusOut:
         return filterFocus(application, window, event.type() == QEvent::FocusIn);
+    default:
+        return false;
+    }
+}
+
+// Looks at the type first: an event of another one may have destroyed its receiver.
+bool concernsFrame(const QObject &receiver, const QEvent &event)
+{
+    switch (event.type()) {
+    case QEvent::Polish:
+    case QEvent::WindowTitleChange:
+    case QEvent::FontChange:
+    case QEvent::Paint:
+        return receiver.isWidgetType() && static_cast<const QWidget &>(receiver).isWindow();
     default:
         return false;
     }
@@ -173,6 +188,10 @@ bool QWSApplication::notify(QObject *receiver, QEvent *event)
     }
     const bool closesMain = event->type() == QEvent::Close && theData && receiver == theData->mainWidget;
     const bool handled = QApplication::notify(receiver, event);
+    // A client that was started with a platform of its own has the frames of that one.
+    const bool framed = theData && (theData->windows || theData->type != GuiClient);
+    if (framed && concernsFrame(*receiver, *event))
+        windowframe::followEvent(qwsDecoration(), static_cast<QWidget &>(*receiver), *event);
     if (closesMain && event->isAccepted())
         quit();
     return handled;
