@@ -1,0 +1,16 @@
+// The colours of the phone.
+#pragma once
+
+#include <QMap>
+#include <QPalette>
+#include <QString>
+#include <optional>
+
+QPalette builtInPalette();
+
+// The built-in palette with the colours of a group: keys are names of QPalette::ColorRole, values "#rrggbb". A key that
+// is no role is skipped. Nothing when a value is no colour: half a theme may have texts that cannot be read.
+std::optional<QPalette> parsePalette(const QMap<QString, QString> &colors);
+
+// The palette of "/tmp/colorpalette.cfg", read afresh; the built-in one when that is missing or broken.
+QPalette currentPalette();
