@@ -29,10 +29,14 @@ constexpr Row processRoutes[] = {
 };
 
 constexpr Row systemRoutes[] = {
+    {"applyPalette()", &Data::onApplyPalette},
     {"master clear", &Data::onMasterClear},
     {"master reset", &Data::onMasterReset},
     {"amClosed()", &Data::onAmClosed},
+    {"changeTextSize()", &Data::onChangeTextSize},
     {"modifytimezone", &Data::onModifyTimeZone},
+    {"applyStyle()", &Data::onApplyStyle},
+    {"setOneEnv()", &Data::onSetOneEnv},
     {"shutdown()", &Data::onShutdown},
     {"notifyLaunchApp", &Data::onNotifyLaunchApp},
     {"HomeKeyPress", &Data::onHomeKeyPress},
@@ -63,7 +67,7 @@ void ZApplicationData::storedMessage(const queue::Record &record)
 void ZApplicationData::slotSystemMessage(const QCString &message, const QByteArray &arguments)
 {
     if (message == "languageChanged()")
-        loadLanguage(); // and the application hears of it too, to put its texts anew
+        m_application.loadString(name); // and the application hears of it too, to put its texts anew
     if (!dispatch<Data>(systemRoutes, *this, message, arguments))
         Q_EMIT m_application.systemMessage(message, arguments);
 }
@@ -163,6 +167,8 @@ void ZApplicationData::onUsbMassStorage(const QByteArray &arguments)
         Q_EMIT m_application.usbStorageInOut(enabled);
 }
 
+void ZApplicationData::onApplyPalette(const QByteArray & /*arguments*/) { m_application.applyPalette(); }
+
 void ZApplicationData::onMasterClear(const QByteArray & /*arguments*/) { Q_EMIT m_application.signalMasterClear(); }
 
 void ZApplicationData::onMasterReset(const QByteArray & /*arguments*/) { Q_EMIT m_application.signalMasterReset(); }
@@ -174,6 +180,8 @@ void ZApplicationData::onAmClosed(const QByteArray & /*arguments*/)
     platform::busFlush();
     platform::leave(0); // at once: the application manager is gone, and nobody answers what an orderly end waits for
 }
+
+void ZApplicationData::onChangeTextSize(const QByteArray & /*arguments*/) { m_application.changeTextSize(); }
 
 void ZApplicationData::onModifyTimeZone(const QByteArray &arguments)
 {
@@ -188,6 +196,19 @@ void ZApplicationData::onModifyTimeZone(const QByteArray &arguments)
     qputenv("TZ", zone);
 }
 
+void ZApplicationData::onApplyStyle(const QByteArray & /*arguments*/)
+{
+    m_application.applyStyle();
+    m_application.applyPalette();
+}
+
+void ZApplicationData::onSetOneEnv(const QByteArray &arguments)
+{
+    QString nameAndValue;
+    if (wire::unpack(arguments, nameAndValue))
+        ZApplication::setEnv(nameAndValue);
+}
+
 void ZApplicationData::onNotifyLaunchApp(const QByteArray &arguments)
 {
     qint32 application = 0;
@@ -200,6 +221,6 @@ void ZApplicationData::onHomeKeyPress(const QByteArray & /*arguments*/) { Q_EMIT
 // The settings tell the server, and the server tells everybody.
 void ZApplicationData::onLanguageChanged(const QByteArray & /*arguments*/)
 {
-    loadLanguage();
+    m_application.loadString(name);
     QCopChannel::send("TYX/System", "languageChanged()");
 }

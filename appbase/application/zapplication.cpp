@@ -1,6 +1,5 @@
 #include "appbase/application/zapplication.h"
 
-#include "appbase/application/language.h"
 #include "appbase/application/zapplication_p.h"
 
 #include <QCoreApplication>
@@ -9,11 +8,6 @@
 #include <cstdio>
 
 namespace {
-
-QCString applicationChannel(const QByteArray &nameOrProcessId)
-{
-    return queue::kApplicationChannels.toByteArray() + nameOrProcessId;
-}
 
 QString withoutFolders(const char *program)
 {
@@ -24,7 +18,7 @@ QString withoutFolders(const char *program)
 }
 
 ZApplicationData::ZApplicationData(ZApplication &application, const char *program)
-    : name(withoutFolders(program)), m_application(application)
+    : name(withoutFolders(program)), theme(themePaths()), m_application(application)
 {
 }
 
@@ -33,8 +27,6 @@ void ZApplicationData::open(
 {
     connect(new QCopChannel(channel, this), &QCopChannel::received, this, handler);
 }
-
-void ZApplicationData::loadLanguage() { language = currentLanguage(); }
 
 void ZApplicationData::getMsgs(const QString &waitingFor)
 {
@@ -60,33 +52,7 @@ void ZApplicationData::deliverNext()
     storedMessage(record);
 }
 
-ZApplication::ZApplication(int &argc, char **argv, Type type)
-    : QWSApplication(argc, argv, type), d(std::make_unique<ZApplicationData>(*this, argc > 0 ? argv[0] : ""))
-{
-    if (type == GuiServer)
-        d->open("TYX/QtServer", &ZApplicationData::slotServerMessage);
-    d->open("TYX/System", &ZApplicationData::slotSystemMessage);
-    d->open(applicationChannel(d->name.toLocal8Bit()), &ZApplicationData::slotAppMessage);
-    d->getMsgs(d->name);
-    d->getMsgs(QString::number(applicationPid()));
-    d->loadLanguage();
-    installEventFilter(this);
-    createChannel();
-}
-
 ZApplication::~ZApplication() = default;
-
-bool ZApplication::createChannel()
-{
-    const QCString channel = applicationChannel(QByteArray::number(applicationPid()));
-    if (QCopChannel::isRegistered(channel))
-        return false;
-    d->open(channel, &ZApplicationData::pidMessage);
-    connect(this, &ZApplication::clickAppIcon, this, &ZApplication::slotClickAppIcon);
-    connect(this, &ZApplication::signalRaise, this, &ZApplication::slotRaise);
-    connect(this, &ZApplication::usbStorageInOut, this, &ZApplication::slotUsbStorageInOut);
-    return true;
-}
 
 bool ZApplication::eventFilter(QObject *watched, QEvent *event) { return QWSApplication::eventFilter(watched, event); }
 

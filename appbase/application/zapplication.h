@@ -10,9 +10,9 @@
 class ZApplicationData;
 
 // A process makes exactly one, before any widget. Its constructor connects the process to the phone: it opens the
-// channels "TYX/System" and "TYX/Application/" plus the program's name (the GUI server also "TYX/QtServer"), reads the
-// language and opens the channel of the process. From then on messages arrive from the event loop and come out as the
-// signals below.
+// channels "TYX/System" and "TYX/Application/" plus the program's name (the GUI server also "TYX/QtServer"), publishes
+// the paths of the theme in the environment, applies style, palette, fonts and text size, loads the translations, and
+// opens the channel of the process. From then on messages arrive from the event loop and come out as the signals below.
 //
 // See QWSApplication for how a process without a screen to connect to ends, and for the order of destruction.
 class TYX_EXPORT ZApplication : public QWSApplication {
@@ -34,6 +34,23 @@ public:
 
     // The code of the language that was set when this process last looked ("de-de"); "en-us" when none is.
     [[nodiscard]] QString language() const;
+
+    // What the messages of the same names on "TYX/System" do, and the start. Everything is read afresh; what cannot be
+    // used falls back on what the library brings with it.
+    void applyStyle();
+    void initPalette();
+    void applyPalette();
+    void loadTYXFonts();
+    void initTextSize();
+    void changeTextSize();
+
+    // Puts "NAME=value" into the environment of this process, also over an old value. Anything else changes nothing.
+    static void setEnv(const QString &nameAndValue);
+
+    // Reads the language and loads its translations from the folder in TYX_RES_STRING_PATH: those of `name` (an
+    // application's) and those of the library. What an earlier call loaded is removed first. False when there is
+    // no translation for `name`; its texts are shown as they are then.
+    bool loadString(const QString &name);
 
 public Q_SLOTS:
     virtual void slotShutdown(); // "shutdown()": emits shutdown(), lets pending events pass, quits

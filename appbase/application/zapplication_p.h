@@ -1,6 +1,9 @@
 // What an application object knows, and how it takes the messages of its channels.
 #pragma once
 
+#include "appbase/application/strings.h"
+#include "appbase/application/themepaths.h"
+#include "appbase/look/phonefonts.h"
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/values/qcstring.h"
@@ -20,7 +23,6 @@ public:
     ZApplicationData(ZApplication &application, const char *program);
 
     void open(const QCString &channel, void (ZApplicationData::*handler)(const QCString &, const QByteArray &));
-    void loadLanguage();
 
     // Takes the messages that wait for a program or a process id; the event loop delivers them, one at a time.
     void getMsgs(const QString &waitingFor);
@@ -33,6 +35,10 @@ public:
 
     const QString name; // argv[0] without folders
     QString language;
+    ThemePaths theme;
+    PhoneFonts fonts;
+    LoadedStrings applicationStrings;
+    LoadedStrings libraryStrings;
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);
@@ -46,10 +52,14 @@ public:
     void onCmdLine(const QByteArray &arguments);
     void onBridgeMessage2(const QByteArray &arguments);
     void onUsbMassStorage(const QByteArray &arguments);
+    void onApplyPalette(const QByteArray &arguments);
     void onMasterClear(const QByteArray &arguments);
     void onMasterReset(const QByteArray &arguments);
     void onAmClosed(const QByteArray &arguments);
+    void onChangeTextSize(const QByteArray &arguments);
     void onModifyTimeZone(const QByteArray &arguments);
+    void onApplyStyle(const QByteArray &arguments);
+    void onSetOneEnv(const QByteArray &arguments);
     void onNotifyLaunchApp(const QByteArray &arguments);
     void onHomeKeyPress(const QByteArray &arguments);
     void onBridgeMessage(const QByteArray &arguments);
