@@ -27,6 +27,9 @@ if $headless; then
 fi
 mkdir -p "$phone/setup" "$phone/pictures"
 echo "$project/build/release/bin" > "$phone/path"
+# What the programs of the phone, and those typed into it, find in their environment.
+environment=("TYX_RES_FONT_PATH=$project/appbase/look/fonts" "TYX_RES_STRING_PATH=$project/build/release/strings")
+printf '%s\n' "${environment[@]}" > "$phone/environment"
 # One phone a folder: its settings must not have two writers.
 exec 8> "$phone/lock"
 flock -n 8 || die "a phone is already running in $phone: stop it first"
@@ -34,7 +37,7 @@ trap 'rm -f "$phone/info.json"' EXIT
 
 start() { # SCRIPT: runs it inside, where its folders are
   PATH="$project/build/release/bin:$PATH" "$project/scripts/sandbox" --rw "$phone" --setup "$phone/setup" \
-    --info-fd 7 -- "$project/scripts/$1" "$phone/pictures" 7> "$phone/info.json" 8>&-
+    "${environment[@]/#/--env=}" --info-fd 7 -- "$project/scripts/$1" "$phone/pictures" 7> "$phone/info.json" 8>&-
 }
 
 if ! $headless; then

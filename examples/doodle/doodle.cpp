@@ -1,4 +1,6 @@
 // Draws with the pen; any key clears the page.
+#include <QCoreApplication>
+#include <QEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -12,11 +14,18 @@ class Page : public QWidget {
 public:
     Page()
     {
-        setWindowTitle(QStringLiteral("Doodle"));
         setAttribute(Qt::WA_OpaquePaintEvent);
+        retranslate();
     }
 
 protected:
+    void changeEvent(QEvent *event) override
+    {
+        if (event->type() == QEvent::LanguageChange)
+            retranslate();
+        QWidget::changeEvent(event);
+    }
+
     void mousePressEvent(QMouseEvent *event) override { m_strokes.moveTo(event->position()); }
 
     void mouseMoveEvent(QMouseEvent *event) override
@@ -37,13 +46,21 @@ protected:
         painter.fillRect(rect(), QColor(0xfffdf6e3));
         painter.setPen(QColor(0xffb8b09a));
         if (m_strokes.isEmpty())
-            painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("Draw here"));
+            painter.drawText(rect(), Qt::AlignCenter, m_hint);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(QColor(0xff1b6b93), 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPath(m_strokes);
     }
 
 private:
+    void retranslate()
+    {
+        setWindowTitle(QCoreApplication::translate("1.2.1;DOODLE", "Doodle"));
+        m_hint = QCoreApplication::translate("1.2.1;DOODLE", "Draw here");
+        update();
+    }
+
+    QString m_hint;
     QPainterPath m_strokes;
 };
 

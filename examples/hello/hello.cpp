@@ -1,55 +1,105 @@
-// A whole application: a window with a menu, a text field, and a list of what the phone told it.
+// A whole application: a window with a menu, a text field, a dialog, and a list of what the phone told it. It speaks
+// the language of the phone, and another one as soon as that is set.
 // Try it: scripts/in-phone tyx bus send TYX/Application/hello "greet(QString)" qstring:You
+#include <QEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <ZApplication>
 #include <cstdio>
 
+namespace {
+
+QString text(const char *source) { return QCoreApplication::translate("1.1.1;HELLO", source); }
+QString menuText(const char *source) { return QCoreApplication::translate("1.1.2;MENU", source); }
+
+class Window : public QWidget {
+public:
+    Window()
+    {
+        m_log.setFocusPolicy(Qt::NoFocus);
+        m_options.setFocusPolicy(Qt::NoFocus);
+        m_column.setContentsMargins(6, 6, 6, 6);
+        m_column.addWidget(&m_text);
+        m_column.addWidget(&m_log);
+        m_column.addWidget(&m_options);
+        m_menu.addActions({&m_clear, &m_greet});
+        m_menu.addSeparator();
+        m_menu.addAction(&m_exit);
+        m_options.setMenu(&m_menu);
+        connect(&m_text, &QLineEdit::returnPressed, this, &Window::say);
+        connect(&m_clear, &QAction::triggered, this, &Window::clear);
+        connect(&m_greet, &QAction::triggered, this, [this] { tell(text("Hello, phone!")); });
+        connect(&m_exit, &QAction::triggered, qApp, &QCoreApplication::quit);
+        retranslate();
+        tell(text("Language: %1").arg(ZApplication::instance()->language()));
+    }
+
+    void tell(const QString &line)
+    {
+        m_log.addItem(line);
+        m_log.scrollToBottom();
+        std::printf("%s\n", qUtf8Printable(line));
+        std::fflush(stdout);
+    }
+
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        if (event->type() == QEvent::LanguageChange)
+            retranslate();
+        QWidget::changeEvent(event);
+    }
+
+private:
+    void retranslate()
+    {
+        setWindowTitle(text("Hello"));
+        m_text.setPlaceholderText(text("Say something"));
+        m_options.setText(text("Options"));
+        m_clear.setText(menuText("Clear the list"));
+        m_greet.setText(menuText("Say hello"));
+        m_exit.setText(menuText("Exit"));
+    }
+
+    void say()
+    {
+        tell(text("You said: %1").arg(m_text.text()));
+        m_text.clear();
+    }
+
+    void clear()
+    {
+        auto *question = new QMessageBox(QMessageBox::Question, menuText("Clear the list"),
+            text("All lines will be gone."), QMessageBox::Ok | QMessageBox::Cancel, this);
+        question->setAttribute(Qt::WA_DeleteOnClose);
+        connect(question, &QDialog::accepted, &m_log, &QListWidget::clear);
+        question->open();
+    }
+
+    QLineEdit m_text;
+    QListWidget m_log;
+    QPushButton m_options;
+    QVBoxLayout m_column{this};
+    QMenu m_menu;
+    QAction m_clear;
+    QAction m_greet;
+    QAction m_exit;
+};
+
+}
+
 int main(int argc, char **argv)
 {
     ZApplication app(argc, argv);
-
-    QWidget window;
-    window.setWindowTitle(QStringLiteral("Hello"));
-    QLineEdit text;
-    text.setPlaceholderText(QStringLiteral("Say something"));
-    QListWidget log;
-    log.setFocusPolicy(Qt::NoFocus);
-    QPushButton options(QStringLiteral("Options"));
-    options.setFocusPolicy(Qt::NoFocus);
-    QVBoxLayout column(&window);
-    column.setContentsMargins(6, 6, 6, 6);
-    for (QWidget *widget :
-        {static_cast<QWidget *>(&text), static_cast<QWidget *>(&log), static_cast<QWidget *>(&options)})
-        column.addWidget(widget);
-
-    const auto tell = [&log](const QString &line) {
-        log.addItem(line);
-        log.scrollToBottom();
-        std::printf("%s\n", qUtf8Printable(line));
-        std::fflush(stdout);
-    };
-    tell(QStringLiteral("Language: ") + app.language());
-
-    QObject::connect(&text, &QLineEdit::returnPressed, &text, [&] {
-        tell(QStringLiteral("You said: ") + text.text());
-        text.clear();
-    });
-    QObject::connect(&app, &ZApplication::appMessage, &log,
-        [&](const QCString &message) { tell(QStringLiteral("Message: ") + QString::fromUtf8(message)); });
-    QObject::connect(&app, &ZApplication::signalOpenDoc, &log,
-        [&](const QString &document) { tell(QStringLiteral("Open: ") + document); });
-
-    QMenu menu;
-    menu.addAction(QStringLiteral("Clear the list"), &log, &QListWidget::clear);
-    menu.addAction(QStringLiteral("Say hello"), &log, [&] { tell(QStringLiteral("Hello, phone!")); });
-    menu.addSeparator();
-    menu.addAction(QStringLiteral("Exit"), &app, &ZApplication::quit);
-    options.setMenu(&menu);
-
+    Window window;
+    QObject::connect(&app, &ZApplication::appMessage, &window,
+        [&](const QCString &message) { window.tell(text("Message: %1").arg(QString::fromUtf8(message))); });
+    QObject::connect(&app, &ZApplication::signalOpenDoc, &window,
+        [&](const QString &document) { window.tell(text("Open: %1").arg(document)); });
     app.setMainWidget(&window);
     window.show();
     return ZApplication::exec();
