@@ -17,6 +17,11 @@ struct Primitive {
     void (*draw)(const QStyleOption &, QPainter &);
 };
 
+template <Direction direction> void drawArrow(const QStyleOption &option, QPainter &painter)
+{
+    drawChevron(painter, option.rect, direction, color(option, QPalette::ButtonText));
+}
+
 void drawNothing(const QStyleOption & /*option*/, QPainter & /*painter*/) { }
 
 // clang-format off
@@ -31,11 +36,15 @@ constexpr Primitive primitives[] = {
     {QStyle::PE_IndicatorItemViewItemCheck, drawCheckBox},
     {QStyle::PE_IndicatorRadioButton,       drawRadioButton},
     {QStyle::PE_FrameFocusRect,             drawFocusFrame},
+    {QStyle::PE_IndicatorArrowUp,           drawArrow<Direction::Up>},
+    {QStyle::PE_IndicatorArrowDown,         drawArrow<Direction::Down>},
+    {QStyle::PE_IndicatorArrowLeft,         drawArrow<Direction::Left>},
+    {QStyle::PE_IndicatorArrowRight,        drawArrow<Direction::Right>},
     {QStyle::PE_PanelMenu,                  drawMenuPanel},
     {QStyle::PE_FrameMenu,                  drawNothing},
     {QStyle::PE_PanelTipLabel,              drawToolTip},
     {QStyle::PE_FrameGroupBox,              drawGroupFrame},
-    {QStyle::PE_FrameTabWidget,             drawNothing},
+    {QStyle::PE_FrameTabWidget,             drawTabPane},
     {QStyle::PE_FrameTabBarBase,            drawTabLine},
 };
 
@@ -67,7 +76,7 @@ constexpr Measure measures[] = {
     {QStyle::PM_MenuVMargin,               2},
     {QStyle::PM_SubMenuOverlap,            0},
     {QStyle::PM_SmallIconSize,             16},
-    {QStyle::PM_MessageBoxIconSize,        32},
+    {QStyle::PM_MessageBoxIconSize,        kMessageIcon},
     {QStyle::PM_LayoutLeftMargin,          8},
     {QStyle::PM_LayoutTopMargin,           8},
     {QStyle::PM_LayoutRightMargin,         8},
@@ -79,7 +88,7 @@ constexpr Measure measures[] = {
     {QStyle::PM_TabBarTabShiftHorizontal,  0},
     {QStyle::PM_TabBarTabShiftVertical,    0},
     {QStyle::PM_TabBarTabOverlap,          0},
-    {QStyle::PM_TabBarBaseOverlap,         0},
+    {QStyle::PM_TabBarBaseOverlap,         1},
     {QStyle::PM_TabBarBaseHeight,          1},
 };
 // clang-format on
@@ -154,6 +163,30 @@ QRect scrollBarRect(const QStyleOptionSlider &bar, QStyle::SubControl part)
     }
 }
 
+// The title stands above the frame, as wide as the box.
+QRect groupBoxRect(const QStyleOptionGroupBox &box, QStyle::SubControl part)
+{
+    const bool checkable = box.subControls & QStyle::SC_GroupBoxCheckBox;
+    const bool titled = checkable || !box.text.isEmpty();
+    const int height = !titled ? 0 : std::max(box.fontMetrics.height(), checkable ? kIndicator : 0);
+    const QRect title(box.rect.x(), box.rect.y(), box.rect.width(), height);
+    const QRect frame = box.rect.adjusted(0, titled ? height + kGroupTitleGap : 0, 0, 0);
+    QRect rect;
+    switch (part) {
+    case QStyle::SC_GroupBoxCheckBox:
+        rect = QRect(title.x(), title.y() + (height - kIndicator) / 2, kIndicator, kIndicator);
+        break;
+    case QStyle::SC_GroupBoxLabel:
+        rect = title.adjusted(checkable ? kIndicator + 6 : 2, 0, 0, 0);
+        break;
+    case QStyle::SC_GroupBoxContents:
+        return frame.adjusted(1, 1, -1, -1);
+    default:
+        return frame;
+    }
+    return QStyle::visualRect(box.direction, box.rect, rect);
+}
+
 QRect comboBoxRect(const QStyleOptionComboBox &box, QStyle::SubControl part, const QRect &otherwise)
 {
     const QRect arrow(box.rect.right() - kComboArrow + 1, box.rect.y(), kComboArrow, box.rect.height());
@@ -219,7 +252,7 @@ QSize TYXStyle::sizeFromContents(
         result.setHeight(std::max(result.height(), kTouchHeight - 4));
         break;
     case CT_ItemViewItem:
-        result.setHeight(std::max(result.height(), size.height() + 4));
+        result.setHeight(std::max(result.height() + 4, kRowHeight));
         break;
     default:
         break;
@@ -234,6 +267,8 @@ QRect TYXStyle::subControlRect(
         return scrollBarRect(*bar, part);
     if (const auto *box = qstyleoption_cast<const QStyleOptionSpinBox *>(option); box && control == CC_SpinBox)
         return spinBoxRect(*box, part);
+    if (const auto *box = qstyleoption_cast<const QStyleOptionGroupBox *>(option); box && control == CC_GroupBox)
+        return groupBoxRect(*box, part);
     const QRect otherwise = QProxyStyle::subControlRect(control, option, part, widget);
     if (const auto *box = qstyleoption_cast<const QStyleOptionComboBox *>(option); box && control == CC_ComboBox)
         return comboBoxRect(*box, part, otherwise);
@@ -255,6 +290,12 @@ QRect TYXStyle::subElementRect(SubElement element, const QStyleOption *option, c
     default:
         return QProxyStyle::subElementRect(element, option, widget);
     }
+}
+
+QIcon TYXStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
+{
+    const QPixmap ours = messageIcon(icon, kMessageIcon);
+    return ours.isNull() ? QProxyStyle::standardIcon(icon, option, widget) : QIcon(ours);
 }
 
 void TYXStyle::drawPrimitive(

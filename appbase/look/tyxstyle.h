@@ -24,6 +24,8 @@ public:
         const QWidget *widget = nullptr) const override;
     [[nodiscard]] QRect subElementRect(
         SubElement element, const QStyleOption *option, const QWidget *widget = nullptr) const override;
+    [[nodiscard]] QIcon standardIcon(
+        StandardPixmap icon, const QStyleOption *option = nullptr, const QWidget *widget = nullptr) const override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
         const QWidget *widget = nullptr) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,

@@ -125,6 +125,33 @@ void drawTabLine(const QStyleOption &option, QPainter &painter)
     }
 }
 
+// The line under the tabs goes on to the end of the pane.
+void drawTabPane(const QStyleOption &option, QPainter &painter)
+{
+    if (const auto *pane = qstyleoption_cast<const QStyleOptionTabWidgetFrame *>(&option)) {
+        const QRect r = pane->rect;
+        QRect line;
+        switch (pane->shape) {
+        case QTabBar::RoundedSouth:
+        case QTabBar::TriangularSouth:
+            line = QRect(r.x(), r.bottom(), r.width(), 1);
+            break;
+        case QTabBar::RoundedWest:
+        case QTabBar::TriangularWest:
+            line = QRect(r.x(), r.y(), 1, r.height());
+            break;
+        case QTabBar::RoundedEast:
+        case QTabBar::TriangularEast:
+            line = QRect(r.right(), r.y(), 1, r.height());
+            break;
+        default:
+            line = QRect(r.x(), r.y(), r.width(), 1);
+            break;
+        }
+        painter.fillRect(line, grooveColor(option));
+    }
+}
+
 void drawGroupFrame(const QStyleOption &option, QPainter &painter)
 {
     drawBox(painter, option.rect, Qt::transparent, grooveColor(option));
@@ -144,7 +171,7 @@ void drawScrollBar(const QStyleOptionSlider &bar, const QRect &handle, QPainter 
 void drawSlider(const QStyleOptionSlider &slider, const QRect &groove, const QRect &handle, QPainter &painter)
 {
     const bool horizontal = slider.orientation == Qt::Horizontal;
-    const int middle = horizontal ? groove.center().y() : groove.center().x();
+    const int middle = horizontal ? groove.center().y() : groove.center().x(); // across the slider
     const QRect line = horizontal ? QRect(groove.x(), middle - kSliderGroove / 2 + 1, groove.width(), kSliderGroove)
                                   : QRect(middle - kSliderGroove / 2 + 1, groove.y(), kSliderGroove, groove.height());
     fillRounded(painter, line, blend(grooveColor(slider), color(slider, QPalette::WindowText), 8));
@@ -162,7 +189,9 @@ void drawSlider(const QStyleOptionSlider &slider, const QRect &groove, const QRe
     const QColor knob = held ? blend(color(slider, QPalette::Button), color(slider, QPalette::Highlight), 25)
                              : color(slider, QPalette::Button);
     const bool focus = hasFocus(slider);
-    drawBox(painter, handle.adjusted(1, 1, -1, -1), knob, outlineColor(slider), focus ? 2 : 1, kSliderHandle / 2.0);
+    QRect round(0, 0, kSliderHandle - 2, kSliderHandle - 2);
+    round.moveCenter(horizontal ? QPoint(handle.center().x(), middle) : QPoint(middle, handle.center().y()));
+    drawBox(painter, round, knob, outlineColor(slider), focus ? 2 : 1, kSliderHandle / 2.0);
 }
 
 void drawComboBox(const QStyleOptionComboBox &box, const QRect &arrow, QPainter &painter)

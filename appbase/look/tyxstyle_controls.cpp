@@ -1,14 +1,17 @@
 // Shapes, and the controls that are one piece.
 #include "appbase/look/tyxstyle_p.h"
 
-#include <QPainterPath>
+#include <QFont>
+#include <QPixmap>
 #include <QPolygonF>
+#include <algorithm>
+#include <iterator>
 
 namespace look {
 
 namespace {
 
-constexpr int kLineShade = 45; // hundredths of the text's colour in the line around a control
+constexpr int kLineShade = 38; // hundredths of the text's colour in the line around a control
 constexpr int kPressedShade = 14;
 constexpr int kSelectedFocus = 70;
 
@@ -107,6 +110,9 @@ void drawPushButton(const QStyleOption &option, QPainter &painter)
 
 void drawFieldFrame(const QStyleOption &option, QPainter &painter)
 {
+    // The field inside a spin box or a combo box has no frame of its own.
+    if (const auto *frame = qstyleoption_cast<const QStyleOptionFrame *>(&option); frame && frame->lineWidth <= 0)
+        return;
     drawBox(painter, option.rect, color(option, QPalette::Base), outlineColor(option), hasFocus(option) ? 2 : 1);
 }
 
@@ -203,6 +209,33 @@ void drawMenuItem(const QStyleOptionMenuItem &item, QPainter &painter)
     painter.setFont(item.font);
     painter.drawText(
         rest, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine | Qt::TextHideMnemonic, shownText(item.text));
+}
+
+QPixmap messageIcon(QStyle::StandardPixmap icon, int size)
+{
+    struct Sign {
+        QStyle::StandardPixmap icon;
+        char sign;
+        QRgb color;
+    };
+    constexpr Sign signs[] = {{QStyle::SP_MessageBoxInformation, 'i', 0xff1b6b93},
+        {QStyle::SP_MessageBoxQuestion, '?', 0xff1b6b93}, {QStyle::SP_MessageBoxWarning, '!', 0xffc77700},
+        {QStyle::SP_MessageBoxCritical, 'x', 0xffb3261e}};
+    const auto *sign =
+        std::find_if(std::begin(signs), std::end(signs), [icon](const Sign &row) { return row.icon == icon; });
+    if (sign == std::end(signs))
+        return {};
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    drawBox(painter, pixmap.rect(), QColor(sign->color), QColor(sign->color), 1, size / 2.0);
+    painter.setPen(Qt::white);
+    QFont font;
+    font.setBold(true);
+    font.setPixelSize(size * 5 / 8);
+    painter.setFont(font);
+    painter.drawText(pixmap.rect(), Qt::AlignCenter, QString(QLatin1Char(sign->sign)));
+    return pixmap;
 }
 
 }

@@ -11,6 +11,8 @@ namespace look {
 // Pixels. What a finger is to hit is at least kTouchHeight high.
 inline constexpr int kTouchHeight = 28;
 inline constexpr int kRadius = 4;
+inline constexpr int kMessageIcon = 32;
+inline constexpr int kRowHeight = 22; // of lists
 inline constexpr int kIndicator = 16; // check boxes and radio buttons
 inline constexpr int kScrollBar = 7;
 inline constexpr int kSliderHandle = 18;
@@ -20,6 +22,7 @@ inline constexpr int kMenuIndicator = 20; // room for a check mark or an icon
 inline constexpr int kComboArrow = 24;
 inline constexpr int kSpinArrow = 26;
 inline constexpr int kTabLine = 3;
+inline constexpr int kGroupTitleGap = 3; // between the title of a group and its frame
 
 inline bool isOn(const QStyleOption &option, QStyle::StateFlag flag) { return option.state.testFlag(flag); }
 inline bool hasFocus(const QStyleOption &option)
@@ -55,10 +58,14 @@ void drawProgressContents(const QStyleOptionProgressBar &bar, QPainter &painter)
 void drawProgressLabel(const QStyleOptionProgressBar &bar, QPainter &painter);
 void drawTabShape(const QStyleOptionTab &tab, QPainter &painter);
 void drawTabLine(const QStyleOption &option, QPainter &painter);
+void drawTabPane(const QStyleOption &option, QPainter &painter);
 void drawGroupFrame(const QStyleOption &option, QPainter &painter);
 void drawScrollBar(const QStyleOptionSlider &bar, const QRect &handle, QPainter &painter);
 void drawSlider(const QStyleOptionSlider &slider, const QRect &groove, const QRect &handle, QPainter &painter);
 void drawComboBox(const QStyleOptionComboBox &box, const QRect &arrow, QPainter &painter);
+
+// Of a message box; null for any other icon.
+QPixmap messageIcon(QStyle::StandardPixmap icon, int size);
 
 struct SpinButtons {
     QRect up;
