@@ -12,7 +12,7 @@ namespace status {
 
 namespace {
 
-constexpr quint8 kProject = 'w';
+constexpr quint8 kBoardProject = 'w';
 
 // The board that this process has attached, and the table it belongs to. Two words, so that another thread may see one
 // of them older than the other: it then advances a board that belongs to another table, and watchers see its change a
@@ -21,7 +21,7 @@ std::atomic<Board *> attached{nullptr};
 std::atomic<key_t> attachedFor{-1};
 
 // As ftok(3) would answer for the key file: the project id is the highest byte.
-key_t boardKey(key_t table) { return key_t((quint32(table) & 0x00FFFFFFU) | quint32(kProject) << 24); }
+key_t boardKey(key_t table) { return key_t((quint32(table) & 0x00FFFFFFU) | quint32(kBoardProject) << 24); }
 
 platform::Result<Board *> attach(key_t table, int flags)
 {
@@ -58,11 +58,14 @@ void Board::announce(key_t table)
         ::utimensat(AT_FDCWD, kKeyFile, nullptr, AT_SYMLINK_NOFOLLOW);
 }
 
-platform::Result<Board *> Board::open(key_t table)
+platform::Result<Board *> Board::open()
 {
-    if (Board *board = current(table))
+    const auto table = platform::ipcKey(kKeyFile, kTableProject);
+    if (!table)
+        return tl::make_unexpected(table.error());
+    if (Board *board = current(*table))
         return board;
-    return attach(table, IPC_CREAT | 0666);
+    return attach(*table, IPC_CREAT | 0666);
 }
 
 }

@@ -23,8 +23,8 @@ struct Board {
 
     // For a writer: advances, and wakes who waits. `table` is the key of the table that was written.
     static void announce(key_t table);
-    // For a watcher: the board beside that table, made when it is missing. It stays attached for the process's life.
-    static platform::Result<Board *> open(key_t table);
+    // For a watcher: the board beside the table, made when it is missing. It stays attached for the process's life.
+    static platform::Result<Board *> open();
 };
 static_assert(std::atomic<quint32>::is_always_lock_free, "processes share it");
 

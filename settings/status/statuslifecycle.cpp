@@ -17,7 +17,6 @@ namespace {
 constexpr int kCreateFlags = IPC_CREAT | 0777;
 // Promised: decimal on purpose (octal 01232). It contains the create bit, so that a lookup makes the table too.
 constexpr int kApplicationManagerFlags = 666;
-constexpr char kSystemProject = 'm';
 constexpr char kApplicationManagerProject = 'n';
 
 void *const kFailed = reinterpret_cast<void *>(-1); // NOLINT(performance-no-int-to-ptr): shmat's own answer
@@ -84,7 +83,7 @@ SwitchProbe::~SwitchProbe()
 
 const SwitchProbe *SwitchProbe::installed() { return probe; }
 
-void UTIL_CreateSystemStatusTable() { create(systemTable, kSystemProject, "System table in error..."); }
+void UTIL_CreateSystemStatusTable() { create(systemTable, kTableProject, "System table in error..."); }
 
 void UTIL_InitSystemTable()
 {

@@ -6,12 +6,11 @@
 #include <algorithm>
 #include <cstring>
 #include <sys/shm.h>
+#include <tuple>
 
 namespace status {
 
 namespace {
-
-constexpr char kProject = 'm';
 
 // Stores bytes into the table one by one, and knows whether that made a difference.
 class Cells {
@@ -70,7 +69,7 @@ std::size_t textLength(std::span<const quint8> table, Text field)
 
 platform::Result<Attachment> Attachment::open()
 {
-    const auto key = platform::ipcKey(kKeyFile, kProject);
+    const auto key = platform::ipcKey(kKeyFile, kTableProject);
     if (!key)
         return tl::make_unexpected(key.error());
     const auto id = platform::ShmAttachment::segment({*key, 0666}, kTableBytes);

@@ -14,10 +14,13 @@
 #include <span>
 #include <string_view>
 #include <sys/types.h>
+#include <utility>
 
 namespace status {
 
+// The table's key is ftok(kKeyFile, kTableProject).
 inline constexpr char kKeyFile[] = "/tmp/key_testcommand";
+inline constexpr char kTableProject = 'm';
 
 // One attachment of the table; detached with the object.
 class Attachment {
