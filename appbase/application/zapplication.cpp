@@ -1,8 +1,10 @@
 #include "appbase/application/zapplication.h"
 
 #include "appbase/application/zapplication_p.h"
+#include "appbase/messaging/zmsg.h"
 
 #include <QCoreApplication>
+#include <QDataStream>
 #include <QEvent>
 #include <QWidget>
 #include <cstdio>
@@ -18,7 +20,7 @@ QString withoutFolders(const char *program)
 }
 
 ZApplicationData::ZApplicationData(ZApplication &application, const char *program)
-    : name(withoutFolders(program)), theme(themePaths()), m_application(application)
+    : name(withoutFolders(program)), theme(themePaths()), input(application), m_application(application)
 {
 }
 
@@ -52,9 +54,10 @@ void ZApplicationData::deliverNext()
     storedMessage(record);
 }
 
-ZApplication::~ZApplication() = default;
+// What dies now sends events of its own.
+ZApplication::~ZApplication() { removeEventFilter(this); }
 
-bool ZApplication::eventFilter(QObject *watched, QEvent *event) { return QWSApplication::eventFilter(watched, event); }
+void ZApplication::timerEvent(QTimerEvent *event) { QWSApplication::timerEvent(event); }
 
 void ZApplication::setMainWidget(QWidget *widget) { QWSApplication::setMainWidget(widget); }
 
@@ -63,6 +66,15 @@ bool ZApplication::qwsEventFilter(QWSEvent *event) { return QWSApplication::qwsE
 QString ZApplication::name() const { return d->name; }
 
 QString ZApplication::language() const { return d->language; }
+
+// Promised: the notice is made and not sent; nobody may wait for it.
+void ZApplication::tryQuit()
+{
+    ZMsg closing("TYX/System", "closing(QString)");
+    closing.stream() << d->name;
+    processEvents();
+    quit();
+}
 
 void ZApplication::slotShutdown()
 {

@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class QKeyEvent;
 class ZApplicationData;
 
 // A process makes exactly one, before any widget. Its constructor connects the process to the phone: it opens the
@@ -24,8 +25,22 @@ public:
     // The order of the virtual functions is fixed: programs built against an older library call them by their place.
     ~ZApplication() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
     void setMainWidget(QWidget *widget) override;
     bool qwsEventFilter(QWSEvent *event) override;
+
+    // Gives the text of a key's press to the widget with the focus as an input method would, and so to any editor. For
+    // an application whose qwsEventFilter() has swallowed the key and wants its text typed all the same.
+    virtual void insertStr(QWSEvent *event);
+
+    // Lets pending events pass and quits. Tells nobody.
+    virtual void tryQuit();
+
+    // Sees every press and release that a widget is to get, while the filter is enabled; true swallows it. Here: the
+    // keys for calls, launcher and volume are reported to the programs in charge, once each, and no widget gets them.
+    virtual bool hardKeyEventFilter(QKeyEvent *event);
+
+    void enableHardKeyEventFilter(bool on); // on at the end of the constructor
 
     static ZApplication *instance() { return qobject_cast<ZApplication *>(QCoreApplication::instance()); }
 

@@ -1,6 +1,7 @@
 // What an application object knows, and how it takes the messages of its channels.
 #pragma once
 
+#include "appbase/application/inputfilters.h"
 #include "appbase/application/strings.h"
 #include "appbase/application/themepaths.h"
 #include "appbase/look/phonefonts.h"
@@ -39,6 +40,7 @@ public:
     PhoneFonts fonts;
     LoadedStrings applicationStrings;
     LoadedStrings libraryStrings;
+    InputFilters input;
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);

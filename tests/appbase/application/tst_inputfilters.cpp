@@ -1,0 +1,183 @@
+// What the application object does with keys before widgets get them, and the order of its virtual functions.
+#include "appbase/application/hardkeys.h"
+#include "appbase/application/zapplication.h"
+#include "appbase/messaging/wire.h"
+#include "platform/bus/qcopchannel.h"
+#include "tests/support/peerprocess.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSignalSpy>
+#include <QTest>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Itanium C++ ABI: a pointer to a virtual member holds the offset of its slot (and a mark in the lowest bit).
+template <typename Member> std::ptrdiff_t slotOf(Member member)
+{
+    std::ptrdiff_t offset = 0;
+    std::memcpy(&offset, &member, sizeof offset);
+    return offset / std::ptrdiff_t(sizeof(void *));
+}
+
+// What the phone's programs are told, as "channel message key".
+class Programs : public QObject {
+public:
+    Programs()
+    {
+        for (const char *name : {"/TYX/CLI", "TYX/CLI_INCOMINGCALL", "/AM/Launcher", "TYX/Phone/", "/TYX/Volume"}) {
+            auto *channel = new QCopChannel(name, this);
+            connect(
+                channel, &QCopChannel::received, this, [this, name](const QCString &message, const QByteArray &data) {
+                    qint32 key = 0;
+                    QVERIFY(wire::unpack(data, key));
+                    told.append(
+                        u"%1 %2 F%3"_s.arg(QLatin1String(name), QLatin1String(message)).arg(key - Qt::Key_F1 + 1));
+                });
+        }
+    }
+    QStringList told;
+};
+
+class Editor : public QLineEdit {
+public:
+    int keys = 0;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override { ++keys, QLineEdit::keyPressEvent(event); }
+    void keyReleaseEvent(QKeyEvent *event) override { ++keys, QLineEdit::keyReleaseEvent(event); }
+};
+
+}
+
+class TstInputFilters : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void virtualFunctionsKeepTheirPlaces();
+    void eachHardKeyHasItsMessage_data();
+    void eachHardKeyHasItsMessage();
+    void hardKeysReachNoWidget();
+    void insertedTextIsCommitted();
+    void tryQuitTellsNobody();
+};
+
+void TstInputFilters::virtualFunctionsKeepTheirPlaces()
+{
+    using Z = ZApplication;
+    const QList<std::ptrdiff_t> own{slotOf(&Z::setMainWidget), slotOf(&Z::qwsEventFilter), slotOf(&Z::insertStr),
+        slotOf(&Z::tryQuit), slotOf(&Z::hardKeyEventFilter), slotOf(&Z::slotShutdown), slotOf(&Z::slotQuickQuit),
+        slotOf(&Z::slotUsbStorageInOut), slotOf(&Z::slotClickAppIcon), slotOf(&Z::slotRaise)};
+    for (qsizetype i = 1; i < own.size(); ++i)
+        QCOMPARE(own[i], own[0] + i);
+    QVERIFY(slotOf(&Z::eventFilter) < slotOf(&Z::timerEvent));
+    QVERIFY(slotOf(&Z::timerEvent) < own[0]);
+}
+
+void TstInputFilters::eachHardKeyHasItsMessage_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QStringList>("sent"); // on press and release, then on both while a call comes in; "" is nothing
+    QTest::newRow("Send") << int(Qt::Key_F6)
+                          << QStringList{u""_s, u"TYX/Phone/ SendKeyRelease"_s, u"/TYX/CLI voice_call_answer"_s, u""_s};
+    QTest::newRow("End") << int(Qt::Key_F7)
+                         << QStringList{
+                                u"/AM/Launcher launchApp"_s, u""_s, u"TYX/CLI_INCOMINGCALL voice_call_reject"_s, u""_s};
+    const QString left = u"/TYX/Volume LKeyPress"_s;
+    const QString right = u"/TYX/Volume RKeyPress"_s;
+    QTest::newRow("left") << int(Qt::Key_F9) << QStringList{left, u""_s, left, u""_s};
+    QTest::newRow("right") << int(Qt::Key_F10) << QStringList{right, u""_s, right, u""_s};
+    QTest::newRow("any other") << int(Qt::Key_F8) << QStringList{u""_s, u""_s, u""_s, u""_s};
+}
+
+void TstInputFilters::eachHardKeyHasItsMessage()
+{
+    QFETCH(int, key);
+    QStringList sent;
+    for (const CallState call : {CallState::Quiet, CallState::ComesIn}) {
+        for (const KeyEdge edge : {KeyEdge::Press, KeyEdge::Release}) {
+            const HardKeyMessage *found = hardKeyMessage(key, edge, call);
+            sent.append(found ? QLatin1String(found->channel) + u' ' + QLatin1String(found->message) : QString());
+        }
+    }
+    QTEST(sent, "sent");
+}
+
+void TstInputFilters::hardKeysReachNoWidget()
+{
+    Programs programs;
+    Editor editor;
+    QShortcut shortcut(Qt::Key_F9, &editor);
+    QSignalSpy triggered(&shortcut, &QShortcut::activated);
+    editor.show();
+    QVERIFY(QTest::qWaitForWindowActive(&editor));
+    const auto press = [&](int key, bool repeat) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(), repeat);
+        QApplication::sendEvent(&editor, &event);
+    };
+    QTest::keyPress(editor.windowHandle(), Qt::Key_F9);
+    press(Qt::Key_F9, true);
+    press(Qt::Key_F9, true);
+    QTest::keyRelease(editor.windowHandle(), Qt::Key_F9);
+    QTest::keyClick(editor.windowHandle(), Qt::Key_F6);
+    const QStringList told{u"/TYX/Volume LKeyPress F9"_s, u"TYX/Phone/ SendKeyRelease F6"_s};
+    QTRY_COMPARE(programs.told, told);
+    QCOMPARE(editor.keys, 0);
+    QCOMPARE(triggered.count(), 0);
+
+    ZApplication::instance()->enableHardKeyEventFilter(false);
+    QTest::keyClick(editor.windowHandle(), Qt::Key_F6);
+    QTest::keyClick(editor.windowHandle(), Qt::Key_F9);
+    ZApplication::instance()->enableHardKeyEventFilter(true);
+    QCOMPARE(triggered.count(), 1);
+    QTest::keyClick(editor.windowHandle(), Qt::Key_F10); // told last, so nothing came before it
+    QTRY_COMPARE(programs.told, told + QStringList{u"/TYX/Volume RKeyPress F10"_s});
+    QCOMPARE(editor.keys, 3); // Send, and the release of the shortcut's key
+}
+
+void TstInputFilters::insertedTextIsCommitted()
+{
+    QLineEdit editor;
+    editor.show();
+    QVERIFY(QTest::qWaitForWindowActive(&editor));
+    QWSKeyEvent key(0);
+    key.text = u"\u00e9"_s;
+    ZApplication::instance()->insertStr(&key); // a release types nothing
+    key.isPress = true;
+    ZApplication::instance()->insertStr(&key);
+    QCOMPARE(editor.text(), u"\u00e9"_s);
+    QWSFocusEvent focus(0, true);
+    ZApplication::instance()->insertStr(&focus);
+    ZApplication::instance()->insertStr(nullptr);
+    editor.clearFocus();
+    ZApplication::instance()->insertStr(&key);
+    QCOMPARE(editor.text(), u"\u00e9"_s);
+}
+
+void TstInputFilters::tryQuitTellsNobody()
+{
+    QStringList heard;
+    connect(ZApplication::instance(), &ZApplication::systemMessage, this,
+        [&heard](const QCString &message) { heard.append(QLatin1String(message)); });
+    QMetaObject::invokeMethod(
+        ZApplication::instance(), [] { ZApplication::instance()->tryQuit(); }, Qt::QueuedConnection);
+    QCOMPARE(ZApplication::exec(), 0);
+    QVERIFY(QCopChannel::send("TYX/System", "end of test"));
+    QTRY_COMPARE(heard, QStringList{u"end of test"_s});
+}
+
+int main(int argc, char **argv)
+{
+    PeerProcess server(u"buspeer"_s);
+    if (server.ask("host") != "hosting")
+        return 1;
+    const ZApplication app(argc, argv, ZApplication::Tty);
+    TstInputFilters test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_inputfilters.moc"
