@@ -3,6 +3,7 @@
 #include "guiserver/screenservice.h"
 #include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
+#include "platform/system/keyfile.h"
 #include "platform/window/qwsserver.h"
 
 #include <CLI/CLI.hpp>
@@ -36,6 +37,16 @@ std::optional<int> checkArguments(int argc, char **argv)
     return std::nullopt;
 }
 
+// Whoever opens a System V object of these looks for the file, and none of them may have to make it.
+void makeKeyFiles()
+{
+    for (const char *path : {"/tmp/key_testcommand", "/tmp/touch_sound_msg"}) {
+        if (const auto made = platform::makeKeyFile(path); !made)
+            std::fprintf(stderr, "tyx-guiserver: cannot make the key file %s: %s; remove what is there\n", path,
+                qPrintable(made.error().text()));
+    }
+}
+
 void announce()
 {
     const QWSServer &server = *QWSServer::instance();
@@ -52,6 +63,7 @@ int main(int argc, char **argv)
     if (const auto status = checkArguments(argc, argv))
         return *status;
     holdTerminationSignals();
+    makeKeyFiles();
     ZApplication application(argc, argv, ZApplication::GuiServer);
     const TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &application, &QCoreApplication::quit);
