@@ -7,7 +7,7 @@ say() { printf '\n== %s\n' "$*"; }
 die() { echo "${0##*/}: $*" >&2; exit 3; }
 
 # What configuring and building needs.
-build_packages=(cmake ninja-build g++ pkg-config extra-cmake-modules libcli11-dev libexpected-dev
+build_packages=(cmake ninja-build python3 g++ pkg-config extra-cmake-modules libcli11-dev libexpected-dev
   qt6-base-dev qt6-base-private-dev qt6-wayland-dev qt6-wayland-dev-tools libwayland-dev
   qt6-declarative-dev libqt6opengl6-dev libgl-dev libegl-dev qt6-l10n-tools)
 # What a phone needs at run time; linguist-qt6 is the ready-made program that runs on it beside our own.

@@ -37,7 +37,8 @@ trap 'rm -f "$phone/info.json"' EXIT
 
 start() { # SCRIPT: runs it inside, where its folders are
   PATH="$project/build/release/bin:$PATH" "$project/scripts/sandbox" --rw "$phone" --setup "$phone/setup" \
-    "${environment[@]/#/--env=}" --info-fd 7 -- "$project/scripts/$1" "$phone/pictures" 7> "$phone/info.json" 8>&-
+    "${environment[@]/#/--env=}" --sounds "$project/build/release/share/tyxappbase/soundfile" --info-fd 7 -- \
+    "$project/scripts/$1" "$phone/pictures" 7> "$phone/info.json" 8>&-
 }
 
 if ! $headless; then

@@ -42,10 +42,12 @@ constexpr Row systemRoutes[] = {
     {"HomeKeyPress", &Data::onHomeKeyPress},
     {"bridgeMessage", &Data::onBridgeMessage},
     {"bridgeMessageWithoutRaise", &Data::onBridgeMessageWithoutRaise},
+    {"updateTouchPanelSoundInfo()", &Data::onUpdateTouchPanelSoundInfo},
 };
 
 constexpr Row serverRoutes[] = {
     {"languageChanged()", &Data::onLanguageChanged},
+    {"HardkeySoundChanged()", &Data::onHardkeySoundChanged},
 };
 
 }

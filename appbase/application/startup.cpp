@@ -36,6 +36,7 @@ ZApplication::ZApplication(int &argc, char **argv, Type type)
     loadString(d->name);
     installEventFilter(this);
     createChannel();
+    createTouchSoundMsgQueue();
     enableHardKeyEventFilter(true);
 }
 

@@ -54,10 +54,11 @@ void ZApplicationData::deliverNext()
     storedMessage(record);
 }
 
-// What dies now sends events of its own.
-ZApplication::~ZApplication() { removeEventFilter(this); }
-
-void ZApplication::timerEvent(QTimerEvent *event) { QWSApplication::timerEvent(event); }
+ZApplication::~ZApplication()
+{
+    removeEventFilter(this); // what dies now sends events of its own
+    d->input.stop();
+}
 
 void ZApplication::setMainWidget(QWidget *widget) { QWSApplication::setMainWidget(widget); }
 

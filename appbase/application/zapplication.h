@@ -42,6 +42,20 @@ public:
 
     void enableHardKeyEventFilter(bool on); // on at the end of the constructor
 
+    // What a pen does that stays where it went down on a widget for a second.
+    enum class MouseMode {
+        Inherit, // as the parent widget has it; for a window: Plain
+        Plain, // nothing more
+        PressHold // the widget gets a QContextMenuEvent, and the pen clicks nothing when it comes up
+    };
+    static void setMouseMode(QWidget *widget, MouseMode mode); // Inherit at first
+    [[nodiscard]] static MouseMode mouseMode(const QWidget *widget); // Plain or PressHold
+
+    // The sign that the application is busy, in the middle of its active window: there from the first call of the one
+    // to as many calls of the other. It turns as long as the event loop runs, and stands still while it does not.
+    void showWaitingCursor();
+    void hideWaitingCursor();
+
     static ZApplication *instance() { return qobject_cast<ZApplication *>(QCoreApplication::instance()); }
 
     // The program's name without its folder: the last part of its channel "TYX/Application/" + name.
@@ -97,6 +111,7 @@ Q_SIGNALS:
 private:
     friend class ZApplicationData;
     bool createChannel();
+    void createTouchSoundMsgQueue();
 
     std::unique_ptr<ZApplicationData> d;
 };

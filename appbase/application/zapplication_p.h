@@ -5,6 +5,7 @@
 #include "appbase/application/strings.h"
 #include "appbase/application/themepaths.h"
 #include "appbase/look/phonefonts.h"
+#include "appbase/application/phonestatus.h"
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/values/qcstring.h"
@@ -29,6 +30,9 @@ public:
     void getMsgs(const QString &waitingFor);
     void enqueueMsg(const queue::Record &record);
 
+    void getTouchPanelSoundInfo(); // how these two kinds of sound are set now
+    void getHardKeySoundInfo();
+
     void pidMessage(const QCString &message, const QByteArray &arguments);
     void slotSystemMessage(const QCString &message, const QByteArray &arguments);
     void slotServerMessage(const QCString &message, const QByteArray &arguments);
@@ -41,6 +45,7 @@ public:
     LoadedStrings applicationStrings;
     LoadedStrings libraryStrings;
     InputFilters input;
+    SoundInfo hardKeySound = hardKeySoundInfo(); // of the GUI server, whose keypad makes these sounds
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);
@@ -66,6 +71,8 @@ public:
     void onHomeKeyPress(const QByteArray &arguments);
     void onBridgeMessage(const QByteArray &arguments);
     void onBridgeMessageWithoutRaise(const QByteArray &arguments);
+    void onUpdateTouchPanelSoundInfo(const QByteArray &arguments);
+    void onHardkeySoundChanged(const QByteArray &arguments);
     void onLanguageChanged(const QByteArray &arguments);
 
 private:

@@ -53,6 +53,9 @@ public:
     [[nodiscard]] virtual QImage grab() const = 0;
 };
 
+// A widget of the server with this property (true) shows a client's window: what the pen does there is the client's.
+inline constexpr char kClientSurface[] = "_tyx_clientSurface";
+
 // The module's one entry point, found by name.
 inline constexpr char kWindowServerEntry[] = "tyxCreateWindowServer";
 using CreateWindowServer = WindowServerBackend *(*)();

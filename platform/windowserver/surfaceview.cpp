@@ -1,5 +1,7 @@
 #include "platform/windowserver/surfaceview.h"
 
+#include "platform/window/windowserverbackend.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWaylandBufferRef>
@@ -41,6 +43,7 @@ SurfaceView::SurfaceView(QWaylandSurface *surface, QWaylandOutput *output, QWidg
 {
     setVisible(false);
     setMouseTracking(true);
+    setProperty(kClientSurface, true);
     setAttribute(Qt::WA_NoSystemBackground);
     m_view.setOutput(output);
     m_view.setSurface(surface);

@@ -1,10 +1,13 @@
 // What the application object does with keys before widgets get them, and the order of its virtual functions.
 #include "appbase/application/hardkeys.h"
 #include "appbase/application/zapplication.h"
+#include "appbase/messaging/soundqueue.h"
 #include "appbase/messaging/wire.h"
 #include "platform/bus/qcopchannel.h"
+#include "platform/system/keyfile.h"
 #include "tests/support/peerprocess.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
@@ -63,6 +66,7 @@ private Q_SLOTS:
     void eachHardKeyHasItsMessage();
     void hardKeysReachNoWidget();
     void insertedTextIsCommitted();
+    void thePenSoundsOnceEachTimeItGoesDown();
     void tryQuitTellsNobody();
 };
 
@@ -156,6 +160,28 @@ void TstInputFilters::insertedTextIsCommitted()
     editor.clearFocus();
     ZApplication::instance()->insertStr(&key);
     QCOMPARE(editor.text(), u"\u00e9"_s);
+}
+
+void TstInputFilters::thePenSoundsOnceEachTimeItGoesDown()
+{
+    QWidget window;
+    QLabel label(&window); // does not want the pen, so its window is asked too
+    label.resize(100, 100);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton); // nobody plays sounds yet
+    QVERIFY(platform::makeKeyFile(SoundQueue::kKeyFile));
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton);
+    QTest::mouseClick(window.windowHandle(), Qt::RightButton);
+    SoundQueue queue;
+    QCOMPARE(queue.waiting(), 1U);
+    QTest::mouseDClick(window.windowHandle(), Qt::LeftButton);
+    QCOMPARE(queue.waiting(), 3U);
+    const auto sounds = platform::MessageQueue::open({*platform::ipcKey(SoundQueue::kKeyFile, 't'), 0});
+    const auto sound = sounds->receive(SoundMessage::kSize);
+    const QByteArray expected =
+        QByteArray::fromHex("0200000007000000") + "/usr/SYSqtapp/setup/soundfile/Touch_Scr_Tone.wav";
+    QCOMPARE(QByteArray(reinterpret_cast<const char *>(sound->bytes.data()), expected.size()), expected);
 }
 
 void TstInputFilters::tryQuitTellsNobody()

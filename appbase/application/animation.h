@@ -1,0 +1,25 @@
+// A small animation that plays over a window and lets pen and keys through to what is below.
+#pragma once
+
+#include <QMovie>
+#include <QString>
+#include <QWidget>
+
+inline constexpr char kPressHoldAnimation[] = "General_Mouse_PressHold_Ani.gif";
+inline constexpr char kWaitingAnimation[] = "General_Cursor_Waiting_Ani.gif";
+
+// A child of the window, and dies with it; shown from the start. The pictures are part of the library.
+class Animation : public QWidget {
+    Q_OBJECT
+
+public:
+    Animation(QWidget &window, const char *name);
+
+    void centreOn(QPoint inWindow); // as far inside the window as it fits
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QMovie m_movie;
+};

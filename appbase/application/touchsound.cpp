@@ -1,0 +1,19 @@
+#include "appbase/application/touchsound.h"
+
+const char *touchSoundFile(qint32 style)
+{
+    switch (style) {
+    case 1:
+        return "/usr/SYSqtapp/setup/soundfile/Touch_Scr_Click.wav";
+    case 2:
+        return "/usr/SYSqtapp/setup/soundfile/Touch_Scr_Tone.wav";
+    default:
+        return nullptr;
+    }
+}
+
+void TouchSound::play()
+{
+    if (const char *file = touchSoundFile(m_info.style))
+        m_queue.send({m_info.style, m_info.volume, file});
+}

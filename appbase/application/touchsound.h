@@ -1,0 +1,20 @@
+// The sound of the pen on the screen.
+#pragma once
+
+#include "appbase/application/soundinfo.h"
+#include "appbase/messaging/soundqueue.h"
+
+// What each style plays; null for silence, which every other number means too.
+const char *touchSoundFile(qint32 style);
+
+// One in the application object.
+class TouchSound {
+public:
+    void open() { m_queue.open(); }
+    void set(const SoundInfo &info) { m_info = info; }
+    void play();
+
+private:
+    SoundQueue m_queue;
+    SoundInfo m_info;
+};
