@@ -1,5 +1,6 @@
 #include "guiserver/screenservice.h"
 
+#include "appbase/application/keytouchpanelevent.h"
 #include "appbase/messaging/route.h"
 #include "appbase/messaging/wire.h"
 #include "platform/window/qwsserver.h"
@@ -41,12 +42,6 @@ void answer(const QCString &channel, const QCString &message, const QByteArray &
     // A picture of a large screen may be more than one message holds.
     if (!QCopChannel::send(channel, message, content))
         refuse(channel, QStringLiteral("the answer does not fit a message"));
-}
-
-void pressAndRelease(int unicode, int keycode, int modifiers)
-{
-    QWSServer::sendKeyEvent(unicode, keycode, modifiers, true, false);
-    QWSServer::sendKeyEvent(unicode, keycode, modifiers, false, false);
 }
 
 QJsonObject describe(const QWSWindow &window)
@@ -116,7 +111,7 @@ void ScreenService::onKey(const QByteArray &arguments)
     qint32 modifiers = 0;
     if (!wire::unpack(arguments, channel, unicode, keycode, modifiers))
         return;
-    pressAndRelease(unicode, keycode, modifiers);
+    UTIL_KeyTouchPanelEvent::instance()->keyClick(unicode, keycode, modifiers);
     answerWhenRead(channel, kLooks);
 }
 
@@ -131,7 +126,8 @@ void ScreenService::onText(const QByteArray &arguments)
         return;
     }
     for (const uint character : text.toUcs4())
-        pressAndRelease(int(character), character == '\n' ? Qt::Key_Return : int(QChar::toUpper(character)), 0);
+        UTIL_KeyTouchPanelEvent::instance()->keyClick(
+            int(character), character == '\n' ? Qt::Key_Return : int(QChar::toUpper(character)), 0);
     answerWhenRead(channel, kLooks);
 }
 
@@ -143,6 +139,6 @@ void ScreenService::onPointer(const QByteArray &arguments)
     qint32 buttons = 0;
     if (!wire::unpack(arguments, channel, x, y, buttons))
         return;
-    QWSServer::sendMouseEvent(QPoint(x, y), Qt::MouseButtons(QFlag(buttons)));
+    UTIL_KeyTouchPanelEvent::instance()->pen(QPoint(x, y), Qt::MouseButtons(QFlag(buttons)));
     answerWhenRead(channel, kLooks);
 }

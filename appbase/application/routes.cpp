@@ -32,6 +32,8 @@ constexpr Row systemRoutes[] = {
     {"applyPalette()", &Data::onApplyPalette},
     {"master clear", &Data::onMasterClear},
     {"master reset", &Data::onMasterReset},
+    {"SetGuiToSuspension()", &Data::onSetGuiToSuspension},
+    {"SetGuiToResume()", &Data::onSetGuiToResume},
     {"amClosed()", &Data::onAmClosed},
     {"changeTextSize()", &Data::onChangeTextSize},
     {"modifytimezone", &Data::onModifyTimeZone},

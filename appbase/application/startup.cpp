@@ -21,8 +21,11 @@ QCString applicationChannel(const QByteArray &nameOrProcessId)
 ZApplication::ZApplication(int &argc, char **argv, Type type)
     : QWSApplication(argc, argv, type), d(std::make_unique<ZApplicationData>(*this, argc > 0 ? argv[0] : ""))
 {
-    if (type == GuiServer)
+    if (type == GuiServer) {
+        d->openServerInput();
         d->open("TYX/QtServer", &ZApplicationData::slotServerMessage);
+        d->followWindowServer();
+    }
     d->open("TYX/System", &ZApplicationData::slotSystemMessage);
     d->open(applicationChannel(d->name.toLocal8Bit()), &ZApplicationData::slotAppMessage);
     d->getMsgs(d->name);

@@ -6,6 +6,7 @@
 #include "appbase/application/themepaths.h"
 #include "appbase/look/phonefonts.h"
 #include "appbase/application/phonestatus.h"
+#include "appbase/application/windowsbyuse.h"
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/values/qcstring.h"
@@ -30,6 +31,11 @@ public:
     void getMsgs(const QString &waitingFor);
     void enqueueMsg(const queue::Record &record);
 
+    void openServerInput(); // these two in the GUI server
+    void followWindowServer();
+    void updateWindowInfo(QWSWindow *window, QWSServer::WindowEvent event);
+    void slotCursorSelected(QWSCursor *cursor);
+
     void getTouchPanelSoundInfo(); // how these two kinds of sound are set now
     void getHardKeySoundInfo();
 
@@ -45,7 +51,8 @@ public:
     LoadedStrings applicationStrings;
     LoadedStrings libraryStrings;
     InputFilters input;
-    SoundInfo hardKeySound = hardKeySoundInfo(); // of the GUI server, whose keypad makes these sounds
+    WindowsByUse windowsByUse; // in the GUI server, like the next
+    SoundInfo hardKeySound = hardKeySoundInfo();
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);
@@ -71,6 +78,8 @@ public:
     void onHomeKeyPress(const QByteArray &arguments);
     void onBridgeMessage(const QByteArray &arguments);
     void onBridgeMessageWithoutRaise(const QByteArray &arguments);
+    void onSetGuiToSuspension(const QByteArray &arguments);
+    void onSetGuiToResume(const QByteArray &arguments);
     void onUpdateTouchPanelSoundInfo(const QByteArray &arguments);
     void onHardkeySoundChanged(const QByteArray &arguments);
     void onLanguageChanged(const QByteArray &arguments);

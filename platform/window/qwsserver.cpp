@@ -44,6 +44,7 @@ void QWSServer::sendKeyEvent(int unicode, int keycode, int modifiers, bool isPre
         return;
     if (theFilter && theFilter->filter(unicode, keycode, modifiers, isPress, autoRepeat))
         return;
+    Q_EMIT theServer->keySent(unicode, keycode, modifiers, isPress, autoRepeat);
     theServer->m_backend->sendKey({unicode, keycode, modifiers, isPress, autoRepeat});
 }
 
@@ -61,9 +62,13 @@ void QWSServer::sendMouseEvent(const QPoint &position, Qt::MouseButtons buttons,
 
 void QWSServer::setInputEnabled(bool on)
 {
-    if (theServer)
-        theServer->m_backend->setInputEnabled(on);
+    if (!theServer)
+        return;
+    theServer->m_inputEnabled = on;
+    theServer->m_backend->setInputEnabled(on);
 }
+
+bool QWSServer::isInputEnabled() { return theServer && theServer->m_inputEnabled; }
 
 int QWSServer::pendingInput() const { return m_backend->pendingInput(); }
 

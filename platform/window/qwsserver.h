@@ -64,6 +64,7 @@ public:
 
     // While off, no key and no pointer event reaches any window (the keyboard filter still sees keys). On at start.
     static void setInputEnabled(bool on);
+    static bool isInputEnabled(); // false without a server
 
     // Keys and clicks that wait until the application with the focus reads what came before. Who sends many at once
     // waits for 0 now and then: an application that leaves 2000 waiting is taken for dead and disconnected.
@@ -87,6 +88,8 @@ public:
 
 Q_SIGNALS:
     void windowEvent(QWSWindow *window, QWSServer::WindowEvent event);
+    // Every key that the filter let pass, before it is delivered; also while input is off. As of sendKeyEvent().
+    void keySent(int unicode, int keycode, int modifiers, bool isPress, bool autoRepeat);
     void cursorSelected(QWSCursor *cursor); // null: the client hides it; valid during the signal only
 
 private:
@@ -94,4 +97,5 @@ private:
     QWSServer(std::unique_ptr<WindowServerBackend> backend, QSize screen);
 
     std::unique_ptr<WindowServerBackend> m_backend;
+    bool m_inputEnabled = true;
 };

@@ -1,5 +1,6 @@
 // What the application object does with keys before widgets get them, and the order of its virtual functions.
 #include "appbase/application/hardkeys.h"
+#include "appbase/application/windowsbyuse.h"
 #include "appbase/application/zapplication.h"
 #include "appbase/messaging/soundqueue.h"
 #include "appbase/messaging/wire.h"
@@ -67,6 +68,7 @@ private Q_SLOTS:
     void hardKeysReachNoWidget();
     void insertedTextIsCommitted();
     void thePenSoundsOnceEachTimeItGoesDown();
+    void windowsStandInTheOrderOfTheirUse();
     void tryQuitTellsNobody();
 };
 
@@ -182,6 +184,17 @@ void TstInputFilters::thePenSoundsOnceEachTimeItGoesDown()
     const QByteArray expected =
         QByteArray::fromHex("0200000007000000") + "/usr/SYSqtapp/setup/soundfile/Touch_Scr_Tone.wav";
     QCOMPARE(QByteArray(reinterpret_cast<const char *>(sound->bytes.data()), expected.size()), expected);
+}
+
+void TstInputFilters::windowsStandInTheOrderOfTheirUse()
+{
+    WindowsByUse windows;
+    for (const int id : {1, 2, 3, 1})
+        windows.note(id, QWSServer::Active);
+    for (const auto event : {QWSServer::Create, QWSServer::Raise, QWSServer::Hide})
+        windows.note(2, event);
+    windows.note(3, QWSServer::Destroy);
+    QCOMPARE(windows.ids(), (QList<int>{1, 2}));
 }
 
 void TstInputFilters::tryQuitTellsNobody()
