@@ -1,4 +1,5 @@
 // The bytes of values in messages: as written, read back, cut anywhere, and with lengths that lie.
+#include "appbase/messaging/keyeventex.h"
 #include "appbase/messaging/wire.h"
 
 #include <QTest>
@@ -18,6 +19,7 @@ private Q_SLOTS:
     void hostileLengths();
     void textEndsAtTheFirstNul();
     void badReaderStaysBadAndYieldsNothing();
+    void keyCodesHave16Bits();
 };
 
 namespace {
@@ -44,6 +46,16 @@ template <typename T> Case of(const T &value)
         return reader.ok() && reader.atEnd() && read == value && sameNullness(read, value);
     };
     return {[value] { return wire::pack(value); }, back};
+}
+
+template <> Case of(const IM_KeyEventEx &event)
+{
+    const auto back = [event](const QByteArray &bytes) {
+        Reader reader(bytes);
+        bool complete = false;
+        return decodeKeyEventEx(reader.stream(), complete) == event && complete && reader.atEnd();
+    };
+    return {[event] { return encodeKeyEventEx(event); }, back};
 }
 
 QByteArray hex(const char *text) { return QByteArray::fromHex(text); }
@@ -76,6 +88,8 @@ void TstWire::bytes_data()
     QTest::newRow("empty list") << of(QValueList<QString>{}) << hex("00000000");
     QTest::newRow("map") << of(QMap<int, QCString>{{2, "b"}, {1, QCString()}})
                          << hex("00000002 00000001 00000000 00000002 00000002 6200");
+    QTest::newRow("key event") << of(IM_KeyEventEx{0x61, 0x41, Qt::ShiftModifier, QStringLiteral("a")})
+                               << hex("0061 0041 02000000 00000002 0061");
 }
 
 void TstWire::bytes()
@@ -159,6 +173,19 @@ void TstWire::badReaderStaysBadAndYieldsNothing()
     QVERIFY(!reader.ok());
     reader.i32(number); // its four bytes are there, and no longer to be trusted
     QCOMPARE(number, 0);
+}
+
+void TstWire::keyCodesHave16Bits()
+{
+    const QList<std::pair<int, int>> known{
+        {Qt::Key_A, 0x41}, {Qt::Key_Escape, 0x1000}, {Qt::Key_F1, 0x1030}, {Qt::Key_Call, 0}, {0x1234, 0}, {-1, 0}};
+    for (const auto &[key, code] : known) {
+        QCOMPARE(int(IM_KeyEventEx::keyCodeOf(key)), code);
+        if (code != 0)
+            QCOMPARE((IM_KeyEventEx{0, quint16(code), 0, {}}.qtKey()), key);
+    }
+    QCOMPARE((IM_KeyEventEx{u'x', 0, 0, {}}.typed()), QStringLiteral("x"));
+    QVERIFY((IM_KeyEventEx{0xD800, 0, 0, {}}.typed().isEmpty()));
 }
 
 QTEST_GUILESS_MAIN(TstWire)
