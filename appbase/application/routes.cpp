@@ -1,10 +1,14 @@
-// The messages of the four channels: a table each, and a handler each.
+// The messages of the four channels: a table each, and a handler each. Those about editors, the input widget and
+// windows are in inputroutes.cpp.
+#include "appbase/application/routes.h"
+
+#include "appbase/application/inputmessages.h"
 #include "appbase/application/zapplication.h"
-#include "appbase/application/zapplication_p.h"
-#include "appbase/messaging/route.h"
 #include "appbase/messaging/wire.h"
 #include "platform/bus/busflush.h"
 #include "platform/system/fatal.h"
+
+#include <QScopedValueRollback>
 
 namespace {
 
@@ -48,11 +52,32 @@ constexpr Row systemRoutes[] = {
 };
 
 constexpr Row serverRoutes[] = {
+    {messages::kRegisterEditor, &Data::onRegisterEditor},
+    {messages::kUnregisterEditor, &Data::onUnregisterEditor},
+    {messages::kShowInputWidget, &Data::onShowInputWidget},
+    {messages::kUpdateEditorState, &Data::onEditorState},
+    {messages::kOrderWindows, &Data::onOrderWindows},
+    {messages::kFocusLatestWindow, &Data::onFocusLatestWindow},
     {"languageChanged()", &Data::onLanguageChanged},
     {"HardkeySoundChanged()", &Data::onHardkeySoundChanged},
 };
 
+constexpr Row applicationRoutes[] = {
+    {messages::kObeyWindowOrder, &Data::onObeyWindowOrder},
+    {messages::kInputWidgetShown, &Data::onInputWidgetShown},
+    {messages::kHideInputWidget, &Data::onHideInputWidget},
+    {messages::kAutoHideInputWidget, &Data::onAutoHideInputWidget},
+    {messages::kUpdateEditorState, &Data::onForwardEditorState},
+    {messages::kKeyEvent, &Data::onKeyEvent},
+    {messages::kUnconfirmedText, &Data::onUnconfirmedText},
+};
+
 }
+
+routes::Rows routes::process() { return processRoutes; }
+routes::Rows routes::system() { return systemRoutes; }
+routes::Rows routes::server() { return serverRoutes; }
+routes::Rows routes::application() { return applicationRoutes; }
 
 void DisableAMClosedRestart() { restartFlag = false; }
 
@@ -84,16 +109,31 @@ void ZApplicationData::slotServerMessage(const QCString &message, const QByteArr
 
 void ZApplicationData::slotAppMessage(const QCString &message, const QByteArray &arguments)
 {
-    Q_EMIT m_application.appMessage(message, arguments);
+    if (!dispatch<Data>(applicationRoutes, *this, message, arguments))
+        Q_EMIT m_application.appMessage(message, arguments);
 }
 
 void ZApplicationData::onIgnored(const QByteArray & /*arguments*/) { }
 
 void ZApplicationData::onRaise(const QByteArray & /*arguments*/) { Q_EMIT m_application.signalRaise(); }
 
-void ZApplicationData::onShutdown(const QByteArray & /*arguments*/) { m_application.slotShutdown(); }
+// An order to end lets pending events pass, the same order among them: it is being obeyed already, and any number of
+// them must not nest.
+void ZApplicationData::onShutdown(const QByteArray & /*arguments*/)
+{
+    if (m_shuttingDown)
+        return;
+    const QScopedValueRollback ending(m_shuttingDown, true);
+    m_application.slotShutdown();
+}
 
-void ZApplicationData::onQuickQuit(const QByteArray & /*arguments*/) { m_application.slotQuickQuit(); }
+void ZApplicationData::onQuickQuit(const QByteArray & /*arguments*/)
+{
+    if (m_quitting)
+        return;
+    const QScopedValueRollback ending(m_quitting, true);
+    m_application.slotQuickQuit();
+}
 
 void ZApplicationData::onClickAppIcon(const QByteArray & /*arguments*/) { Q_EMIT m_application.clickAppIcon(); }
 

@@ -7,14 +7,7 @@
 #include "appbase/look/tyxstyle.h"
 #include "appbase/look/tyxwsdecoration.h"
 
-namespace {
-
-QCString applicationChannel(const QByteArray &nameOrProcessId)
-{
-    return queue::kApplicationChannels.toByteArray() + nameOrProcessId;
-}
-
-}
+#include <cstdio>
 
 // The order is part of the interface: a channel is open before waiting messages are looked for, the environment is set
 // before anything reads it, and the channel of the process says that the application is ready.
@@ -80,5 +73,9 @@ bool ZApplication::createChannel()
     connect(this, &ZApplication::clickAppIcon, this, &ZApplication::slotClickAppIcon);
     connect(this, &ZApplication::signalRaise, this, &ZApplication::slotRaise);
     connect(this, &ZApplication::usbStorageInOut, this, &ZApplication::slotUsbStorageInOut);
-    return true;
+    // A channel that no server knows reaches nobody now; it works once there is a server again.
+    if (QCopChannel::isRegistered(channel))
+        return true;
+    std::fputs(" can not create new pid QCopChannel .\n", stderr);
+    return false;
 }

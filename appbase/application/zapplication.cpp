@@ -1,6 +1,8 @@
 #include "appbase/application/zapplication.h"
 
+#include "appbase/application/inputmessages.h"
 #include "appbase/application/zapplication_p.h"
+#include "appbase/messaging/wire.h"
 #include "appbase/messaging/zmsg.h"
 
 #include <QCoreApplication>
@@ -20,7 +22,8 @@ QString withoutFolders(const char *program)
 }
 
 ZApplicationData::ZApplicationData(ZApplication &application, const char *program)
-    : name(withoutFolders(program)), theme(themePaths()), input(application), m_application(application)
+    : name(withoutFolders(program)), theme(themePaths()), input(application),
+      inputClient(applicationChannel(name.toLocal8Bit())), m_application(application)
 {
 }
 
@@ -75,6 +78,17 @@ void ZApplication::tryQuit()
     closing.stream() << d->name;
     processEvents();
     quit();
+}
+
+int ZApplication::registerEditor(QWidget *editor) { return d->inputClient.registerEditor(editor); }
+
+void ZApplication::unregisterEditor(QWidget *editor) { d->inputClient.unregisterEditor(editor); }
+
+QWidget *ZApplication::editor(int id) const { return d->inputClient.editor(id); }
+
+void ZApplication::manipulateAppWindows(int operation, const QString &application)
+{
+    QCopChannel::send("TYX/QtServer", messages::kOrderWindows, wire::pack(operation, application));
 }
 
 void ZApplication::slotShutdown()

@@ -5,6 +5,7 @@
 #include "platform/values/qcstring.h"
 #include "platform/window/qwsapplication.h"
 
+#include <QUuid>
 #include <memory>
 
 class QKeyEvent;
@@ -20,6 +21,17 @@ class TYX_EXPORT ZApplication : public QWSApplication {
     Q_OBJECT
 
 public:
+    // What can be ordered about the windows of an application; pop-ups are left alone. The numbers travel in messages.
+    enum WindowOperation {
+        RaiseWindows = 1, // to the front, in their order; the frontmost gets the focus
+        LowerWindows = 2, // behind those of all others, in their order
+        FocusWindows = 3, // the frontmost gets the focus, wherever it lies
+        HideWindows = 4, // until they are shown again; a dialog goes on waiting for its answer
+        ShowWindows = 5, // what HideWindows hid, and the main widget
+        CloseWindows = 6 // as if the user closed them; the application may decline
+    };
+    Q_ENUM(WindowOperation)
+
     ZApplication(int &argc, char **argv, Type type = GuiClient);
 
     // The order of the virtual functions is fixed: programs built against an older library call them by their place.
@@ -80,6 +92,17 @@ public:
     // application's) and those of the library. What an earlier call loaded is removed first. False when there is
     // no translation for `name`; its texts are shown as they are then.
     bool loadString(const QString &name);
+    // Tells the GUI server that text can be typed into the widget, until it is destroyed or taken back. Answers the
+    // editor's identifier, which is unique on the phone and stands in all messages about it: the same one when the
+    // widget is registered already, 0 when the process has 511 editors. The server learns of the widget's window when
+    // it is shown there.
+    int registerEditor(QWidget *editor);
+    void unregisterEditor(QWidget *editor); // does nothing for a widget that is not registered
+    [[nodiscard]] QWidget *editor(int id) const; // of this process; null when there is none
+
+    // Asks the GUI server to do something with the windows of an application, by the name of its program; see
+    // WindowOperation. What it does not know is ignored.
+    static void manipulateAppWindows(int operation, const QString &application);
 
 public Q_SLOTS:
     virtual void slotShutdown(); // "shutdown()": emits shutdown(), lets pending events pass, quits
@@ -104,12 +127,16 @@ Q_SIGNALS:
     void signalMasterReset();
     void signalAppLaunched(int application);
     void signalHomeKeyClicked();
-    // What "TYX/System" and the application's channel carry that the library does not handle itself.
+    // The input widget of the input method covers `height` pixels at the bottom of the screen (0 when it is hidden).
+    void kbStateChanged(bool shown, const QUuid &method, int height);
+    // What "TYX/System" and the application's channel carry that the library does not handle itself; appMessage() also
+    // what it did handle of the input widget and of windows.
     void systemMessage(const QCString &message, const QByteArray &arguments);
     void appMessage(const QCString &message, const QByteArray &arguments);
 
 private:
     friend class ZApplicationData;
+    friend class ZGlobal;
     bool createChannel();
     void createTouchSoundMsgQueue();
 

@@ -1,12 +1,15 @@
 // What an application object knows, and how it takes the messages of its channels.
 #pragma once
 
+#include "appbase/application/editorlist.h"
+#include "appbase/application/inputclient.h"
 #include "appbase/application/inputfilters.h"
+#include "appbase/application/phonestatus.h"
 #include "appbase/application/strings.h"
 #include "appbase/application/themepaths.h"
-#include "appbase/look/phonefonts.h"
-#include "appbase/application/phonestatus.h"
+#include "appbase/application/windoworders.h"
 #include "appbase/application/windowsbyuse.h"
+#include "appbase/look/phonefonts.h"
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/values/qcstring.h"
@@ -17,6 +20,12 @@
 #include <QString>
 
 class ZApplication;
+
+// The channel of a program by its name, or of a process by its number.
+inline QCString applicationChannel(const QByteArray &nameOrProcessId)
+{
+    return queue::kApplicationChannels.toByteArray() + nameOrProcessId;
+}
 
 // Owned by the application object, and as old as it. GUI thread only.
 class ZApplicationData : public QObject {
@@ -44,6 +53,13 @@ public:
     void slotServerMessage(const QCString &message, const QByteArray &arguments);
     void slotAppMessage(const QCString &message, const QByteArray &arguments);
 
+    // Named by the messages that lead to them, see ZApplication and InputWidgetHost for what the numbers mean.
+    void appendEditor(int id, const QCString &channel);
+    void showInputWidgetAux(int id, int window, int show, int inputType);
+    void serverManipulateAppWindows(int operation, const QString &application);
+    void setFocusToLatestWindow(int except);
+    void clientManipulateAppWindows(int operation, QValueList<int> &windows);
+
     const QString name; // argv[0] without folders
     QString language;
     ThemePaths theme;
@@ -53,6 +69,7 @@ public:
     InputFilters input;
     WindowsByUse windowsByUse; // in the GUI server, like the next
     SoundInfo hardKeySound = hardKeySoundInfo();
+    InputClient inputClient;
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);
@@ -83,12 +100,30 @@ public:
     void onUpdateTouchPanelSoundInfo(const QByteArray &arguments);
     void onHardkeySoundChanged(const QByteArray &arguments);
     void onLanguageChanged(const QByteArray &arguments);
+    void onRegisterEditor(const QByteArray &arguments);
+    void onUnregisterEditor(const QByteArray &arguments);
+    void onShowInputWidget(const QByteArray &arguments);
+    void onEditorState(const QByteArray &arguments);
+    void onOrderWindows(const QByteArray &arguments);
+    void onFocusLatestWindow(const QByteArray &arguments);
+    void onObeyWindowOrder(const QByteArray &arguments);
+    void onInputWidgetShown(const QByteArray &arguments);
+    void onHideInputWidget(const QByteArray &arguments);
+    void onAutoHideInputWidget(const QByteArray &arguments);
+    void onForwardEditorState(const QByteArray &arguments);
+    void onKeyEvent(const QByteArray &arguments);
+    void onUnconfirmedText(const QByteArray &arguments);
 
 private:
     void deliverNext();
     void storedMessage(const queue::Record &record);
     void bridge(const QCString &message, const QByteArray &data);
+    bool inputWidgetHidden(const QByteArray &arguments, bool automatically);
 
     ZApplication &m_application;
+    EditorList m_editors;
+    WindowOrders m_windowOrders;
+    bool m_shuttingDown = false;
+    bool m_quitting = false;
     QList<queue::Record> m_pending; // in the order in which they were sent
 };

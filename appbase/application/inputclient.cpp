@@ -1,0 +1,147 @@
+#include "appbase/application/inputclient.h"
+
+#include "appbase/application/inputmessages.h"
+#include "appbase/application/zglobal.h"
+#include "appbase/application/zmainwidget.h"
+#include "appbase/messaging/keyeventex.h"
+#include "appbase/messaging/wire.h"
+#include "platform/bus/qcopchannel.h"
+#include "platform/window/qwsapplication.h"
+
+#include <QKeyEvent>
+#include <algorithm>
+
+namespace {
+
+constexpr int kNumberBits = 9;
+constexpr int kNumbers = 1 << kNumberBits; // 0 is not given away
+constexpr quint32 kProcessMask = (1U << 22) - 1; // no process id of the kernel is larger
+
+int idOf(int number)
+{
+    const auto process = quint32(QCoreApplication::applicationPid()) & kProcessMask;
+    return int(process << kNumberBits) | number;
+}
+
+void sendToServer(const char *message, const QByteArray &arguments)
+{
+    QCopChannel::send("TYX/QtServer", message, arguments);
+}
+
+ZMainWidget *activeMainWidget() { return qobject_cast<ZMainWidget *>(QApplication::activeWindow()); }
+
+}
+
+InputClient::InputClient(const QCString &channel) : m_channel(channel) { }
+
+InputClient::~InputClient()
+{
+    for (const Registration &registration : std::as_const(m_editors))
+        sendToServer(messages::kUnregisterEditor, wire::pack(registration.id));
+}
+
+int InputClient::registerEditor(QWidget *editor)
+{
+    if (!editor)
+        return 0;
+    if (const auto known = m_editors.constFind(editor); known != m_editors.cend())
+        return known->id;
+    const int id = freeId();
+    if (id == 0)
+        return 0;
+    tellServer(*editor, *m_editors.insert(editor, {id, 0}));
+    connect(editor, &QObject::destroyed, this, &InputClient::unregisterEditor);
+    editor->installEventFilter(this);
+    return id;
+}
+
+void InputClient::unregisterEditor(const QObject *editor)
+{
+    const auto known = m_editors.constFind(editor);
+    if (known == m_editors.cend())
+        return;
+    const int id = known->id;
+    m_editors.erase(known);
+    disconnect(editor, nullptr, this, nullptr);
+    const_cast<QObject *>(editor)->removeEventFilter(this);
+    sendToServer(messages::kUnregisterEditor, wire::pack(id));
+}
+
+QWidget *InputClient::editor(int id) const
+{
+    for (auto entry = m_editors.cbegin(); entry != m_editors.cend(); ++entry) {
+        if (entry->id == id)
+            return static_cast<QWidget *>(const_cast<QObject *>(entry.key()));
+    }
+    return nullptr;
+}
+
+int InputClient::freeId()
+{
+    for (int tries = 1; tries < kNumbers; ++tries) {
+        m_lastNumber = m_lastNumber % (kNumbers - 1) + 1;
+        if (!editor(idOf(m_lastNumber)))
+            return idOf(m_lastNumber);
+    }
+    return 0;
+}
+
+void InputClient::tellServer(const QWidget &editor, Registration &registration)
+{
+    registration.window = QWSApplication::windowId(&editor);
+    sendToServer(messages::kRegisterEditor, wire::pack(m_channel, registration.window, registration.id));
+}
+
+// A window has no identifier before it is first shown, and an editor may move to another window.
+bool InputClient::eventFilter(QObject *watched, QEvent *event)
+{
+    const auto known = m_editors.find(watched);
+    if (event->type() == QEvent::Show && known != m_editors.end()) {
+        const auto &editor = static_cast<const QWidget &>(*watched);
+        if (known->window != QWSApplication::windowId(&editor))
+            tellServer(editor, *known);
+    }
+    return false;
+}
+
+void InputClient::inputWidgetShown(int editor, int height)
+{
+    ZMainWidget *window = activeMainWidget();
+    if (m_shrunk && m_shrunk != window)
+        m_shrunk->getEditorRect(editor, 0, false);
+    m_shrunk = window;
+    if (window)
+        window->getEditorRect(editor, height, true);
+}
+
+void InputClient::inputWidgetHidden(int editor, int window, bool automatically)
+{
+    if (m_shrunk) // it may not be the active window any more
+        m_shrunk->getEditorRect(editor, 0, false);
+    m_shrunk = nullptr;
+    if (activeMainWidget())
+        endTyping(automatically);
+    else
+        ZGlobal::hideInputWidgetAux(editor, window, automatically);
+}
+
+// An input widget that goes by itself may come back, and the input method still knows what it was about to type.
+void InputClient::endTyping(bool automatically)
+{
+    if (!automatically)
+        unconfirmed.confirm();
+}
+
+// Editors act on the press; some widgets (buttons) act on the release, which the message does not tell apart.
+void InputClient::sendKey(const IM_KeyEventEx &event)
+{
+    const QPointer<QWidget> receiver = QApplication::focusWidget();
+    if (!receiver)
+        return;
+    const auto modifiers = Qt::KeyboardModifiers::fromInt(event.modifiers) & Qt::KeyboardModifierMask;
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent key(type, event.qtKey(), modifiers, event.typed());
+        if (receiver) // the press may have destroyed it
+            QCoreApplication::sendEvent(receiver, &key);
+    }
+}
