@@ -24,7 +24,7 @@ constexpr int kLooks = 2000;
 
 using Row = Route<ScreenService>;
 
-constexpr Row routes[] = {
+constexpr Row screenRoutes[] = {
     {"shot(QCString)", &ScreenService::onShot},
     {"windows(QCString)", &ScreenService::onWindows},
     {"key(QCString,int,int,int)", &ScreenService::onKey},
@@ -68,7 +68,7 @@ ScreenService::ScreenService(QObject *parent) : QObject(parent), m_channel("TYX/
 
 void ScreenService::receive(const QCString &message, const QByteArray &arguments)
 {
-    dispatch<ScreenService>(routes, *this, message, arguments);
+    dispatch<ScreenService>(screenRoutes, *this, message, arguments);
 }
 
 // So that the next request finds room: what is sent to an application that does not read ends in its disconnection.

@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include "appbase/messaging/queuefile.h"
 #include "platform/bus/busbroker.h"
 #include "platform/bus/businspector.h"
 
@@ -23,9 +24,14 @@ private Q_SLOTS:
     void cleanup() { m_broker.reset(); }
     void sendWritesTheArgumentsAsTheyAreTyped_data();
     void sendWritesTheArgumentsAsTheyAreTyped();
+    void senderIsWarnedOfWhatIsKnownBetter_data();
+    void senderIsWarnedOfWhatIsKnownBetter();
+    void queuedMessagesWaitOrAreSent();
     void refusedSenderIsToldWhy();
     void listNamesChannelsAndProcesses();
     void monitorShowsWhatOthersSend();
+    void describeTellsWhatIsAskedFor_data();
+    void describeTellsWhatIsAskedFor();
     void waitEndsWhenTheChannelAppearsOrInTime();
     void impossibleNumbersAreRefused_data();
     void impossibleNumbersAreRefused();
@@ -93,6 +99,9 @@ void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped_data()
     QTest::newRow("uuid") << words("uuid:{01234567-89ab-cdef-0123-456789abcdef}") << 0
                           << QByteArray("0123456789abcdef0123456789abcdef");
     QTest::newRow("no type") << words("3") << 2 << QByteArray("argument \"3\" has no type");
+    QTest::newRow("no kind") << words("m:3") << 2 << QByteArray("write one of int: uint: bool:");
+    QTest::newRow("many") << words("ints:1,-1 uint8:255 bool8:1") << 0 << QByteArray("0000000200000001ffffffffff01");
+    QTest::newRow("too many") << words("uint8:256") << 2 << QByteArray("should be a whole number from 0 to 255");
     QTest::newRow("no number") << words("int:3x") << 2 << QByteArray("argument \"int:3x\" should be a whole number");
     QTest::newRow("too large") << words("int:2147483648") << 2 << QByteArray("should be a whole number of 32 bits");
     QTest::newRow("no bool") << words("bool:yes") << 2 << QByteArray("should be 1, 0, true or false");
@@ -116,6 +125,68 @@ void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped()
     QTRY_COMPARE(spy.size(), 1);
     QCOMPARE(spy[0][0].value<QCString>(), "m()");
     QCOMPARE(spy[0][1].toByteArray().toHex(), data);
+}
+
+void TstTyxBus::senderIsWarnedOfWhatIsKnownBetter_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("warning"); // with the cure
+    const auto row = [](const QStringList &arguments, const char *warning) {
+        QTest::newRow(qPrintable(arguments.join(u' '))) << arguments << QByteArray(warning);
+    };
+    row(words("TYX/System modifytimezone int:8 int:0 int:0"), "");
+    row(words("TYX/System modifytimezone int:8 uint:0 bool:0"), "");
+    row(words("TYX/System modifytimezone --hex 000000080000000000000000"), "");
+    row(words("TYX/Private modifytimezone"), "");
+    row(words("TYX/Application/app greet()"), "");
+    row(words("TYX/System modifytimezone"), "\"modifytimezone\" takes int:h int:m int:s");
+    row(words("TYX/System modifytimezone int:8 int:0 int:0 int:0"), "\"modifytimezone\" takes int:h int:m int:s");
+    row(words("TYX/System modifytimezone --hex 0000000800"), "\"modifytimezone\" takes int:h int:m int:s");
+    row(words("TYX/Application/7 openDoc(QString) qcstring:a"), "\"openDoc(QString)\" takes qstring:document");
+    row(words("TYX/System applyStyle() int:1"), "\"applyStyle()\" takes no arguments");
+    row(words("TYX/System applystyle"), "\"applystyle\" is not known; there is \"applyStyle()\"");
+    row(words("TYX/QtServer raise"), "\"raise\" is not known there; \"raise()\" belongs on TYX/Application/PID");
+    const QByteArray process = "\"raise()\" is for the channel of the process: send it to TYX/Application/"
+        + QByteArray::number(QCoreApplication::applicationPid());
+    row(words("TYX/Application/app raise()"), process.constData());
+}
+
+void TstTyxBus::senderIsWarnedOfWhatIsKnownBetter()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, warning);
+    const QCopChannel program("TYX/Application/app");
+    QCopChannel channel(arguments.first().toLatin1());
+    QSignalSpy received(&channel, &QCopChannel::received);
+    const Outcome sent = run(QStringList{QStringLiteral("send")} + arguments);
+    QCOMPARE(sent.err, warning.isEmpty() ? warning : "tyx: warning: " + warning + '\n');
+    QCOMPARE(sent.exit, 0);
+    QTRY_COMPARE(received.size(), 1);
+    const Outcome strict = run(words("send --strict") + arguments);
+    QCOMPARE(strict.err, warning.isEmpty() ? warning : "tyx: " + warning + "; it was not sent\n");
+    QCOMPARE(strict.exit, warning.isEmpty() ? 0 : 2);
+    QTRY_COMPARE(received.size(), warning.isEmpty() ? 2 : 1);
+}
+
+void TstTyxBus::queuedMessagesWaitOrAreSent()
+{
+    const QStringList command = words("send --queued TYX/Application/app openDoc(QString) qstring:a");
+    QCOMPARE(run(command).exit, 0);
+    const QList<queue::Record> stored = queue::take("app");
+    QCOMPARE(stored.size(), 1);
+    QCOMPARE(stored[0], (queue::Record{"TYX/Application/app", "openDoc(QString)", QByteArray("\0\0\0\2\0a", 6)}));
+
+    QCopChannel channel("TYX/Application/app");
+    QSignalSpy received(&channel, &QCopChannel::received);
+    QCOMPARE(run(command).exit, 0);
+    QTRY_COMPARE(received.size(), 1);
+
+    m_broker.reset(); // messages wait for applications of a phone that does not run, and for nobody else
+    QCOMPARE(run(command).exit, 0);
+    QCOMPARE(queue::take("app").size(), 1);
+    const Outcome lost = run(words("send --queued TYX/System applyStyle()"));
+    QCOMPARE(lost.exit, 3);
+    QVERIFY2(lost.err.startsWith("tyx: the message to \"TYX/System\" is lost: no phone"), lost.err.constData());
 }
 
 void TstTyxBus::refusedSenderIsToldWhy()
@@ -155,21 +226,50 @@ void TstTyxBus::monitorShowsWhatOthersSend()
     QProcess text;
     QProcess asJson;
     start(text, QStringLiteral("monitor"), words("--count 1 nobody/has/it"));
-    start(asJson, QStringLiteral("monitor"), words("--count 2 --json"));
+    start(asJson, QStringLiteral("monitor"), words("--count 1 --json TYX/System"));
     const auto ended = [&] { return text.state() == QProcess::NotRunning && asJson.state() == QProcess::NotRunning; };
     QVERIFY(QTest::qWaitFor(
         [&] { // until both have begun to look
-            QCopChannel::send("other", "m()", "x");
+            QCopChannel::send("TYX/System", "notifyLaunchApp", QByteArray("\0\0\0\7x", 5));
             QCopChannel::send("nobody/has/it", "n", QByteArray("\0\xFF", 2));
             return ended();
         },
         20'000));
     const QByteArray pid = QByteArray::number(QCoreApplication::applicationPid());
     QCOMPARE(text.readAllStandardOutput(), pid + "  nobody/has/it  n  2  00 ff\n");
-    const QList<QByteArray> objects = asJson.readAllStandardOutput().trimmed().split('\n');
-    QCOMPARE(objects.size(), 2);
-    const QJsonObject last = QJsonDocument::fromJson(objects[1]).object();
-    QCOMPARE(last[u"size"].toInteger() + last[u"data"].toString().size(), 3 * last[u"size"].toInteger());
+    const QByteArray expected = R"({"arguments":[{"name":"application","type":"int","value":7}],)"
+                                R"("channel":"TYX/System","data":"0000000778","message":"notifyLaunchApp",)"
+                                R"("pid":)"
+        + pid + R"(,"size":5,"surplus":"78"})" + '\n';
+    QCOMPARE(asJson.readAllStandardOutput(), expected);
+}
+
+void TstTyxBus::describeTellsWhatIsAskedFor_data()
+{
+    QTest::addColumn<QString>("about");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<QByteArray>("part");
+    QTest::newRow("a message") << QStringLiteral("modifytimezone") << 1
+                               << QByteArray("TYX/System\n  modifytimezone int:h int:m int:s  -- sets TZ");
+    QTest::newRow("on two channels") << QStringLiteral("shutdown()") << 2
+                                     << QByteArray("TYX/System\n  shutdown()  -- ");
+    QTest::newRow("a channel") << QStringLiteral("/TYX/Volume") << 2 << QByteArray("  RKeyPress int:key  -- ");
+    QTest::newRow("a pattern") << QStringLiteral("TYX/Tool/PID") << 4 << QByteArray("TYX/Tool/PID\n  shot(");
+    QTest::newRow("nothing") << QStringLiteral("?") << 0 << QByteArray();
+}
+
+void TstTyxBus::describeTellsWhatIsAskedFor()
+{
+    QFETCH(QString, about);
+    QFETCH(int, rows);
+    QFETCH(QByteArray, part);
+    m_broker.reset(); // it needs no phone
+    const Outcome text = run({QStringLiteral("describe"), about});
+    QCOMPARE(text.exit, rows > 0 ? 0 : 1);
+    QVERIFY2(text.out.contains(part), text.out.constData());
+    QCOMPARE(text.out.count(" -- "), rows);
+    const Outcome asJson = run({QStringLiteral("describe"), QStringLiteral("--json"), about});
+    QCOMPARE(QJsonDocument::fromJson(asJson.out).array().size(), rows);
 }
 
 void TstTyxBus::waitEndsWhenTheChannelAppearsOrInTime()

@@ -1,16 +1,21 @@
 // tyx bus: sends, watches and lists what goes over the message bus.
+#include "appbase/messaging/queuefile.h"
 #include "platform/bus/businspector.h"
 #include "tools/tyx/busargument.h"
+#include "tools/tyx/catalogue.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/sendcheck.h"
 
 #include <QCopChannel>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <ZMsg>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <memory>
 #include <thread>
+#include <utility>
 
 namespace tyx {
 
@@ -28,6 +33,8 @@ struct Options {
     double timeout = 10; // seconds
     int count = 0; // 0: no end
     bool json = false;
+    bool queued = false;
+    bool strict = false;
 };
 
 int failNoServer(const platform::SysError &error)
@@ -46,34 +53,102 @@ int failGone(const BusInspector &bus)
     return fail(bus.isSilent() ? QStringLiteral("the phone does not answer") : QStringLiteral("the phone has stopped"));
 }
 
-int send(const Options &options)
+int usage(const QString &message)
 {
+    std::ignore = fail(message);
+    return Usage;
+}
+
+// The message as it was typed, or what is wrong with it.
+tl::expected<Draft, QString> draftOf(const Options &options)
+{
+    Draft draft{QByteArray::fromStdString(options.channel), QByteArray::fromStdString(options.message), {}};
+    if (!options.hex.empty()) {
+        const auto data = decodeHex(QString::fromStdString(options.hex));
+        if (!data)
+            return tl::make_unexpected(data.error());
+        draft.arguments.data = *data;
+        return draft;
+    }
     QStringList typed;
     for (const std::string &argument : options.arguments)
         typed.append(QString::fromStdString(argument));
-    const auto data = options.hex.empty() ? encodeArguments(typed) : decodeHex(QString::fromStdString(options.hex));
-    if (!data) {
-        std::ignore = fail(data.error());
-        return Usage;
+    auto arguments = encodeArguments(typed);
+    if (!arguments) {
+        const KnownMessage *known = knownMessage(draft.channel, draft.message);
+        return tl::make_unexpected(known ? arguments.error() + u"; " + whatItTakes(*known) : arguments.error());
     }
-    const auto bus = BusInspector::open();
+    draft.arguments = std::move(*arguments);
+    return draft;
+}
+
+// A program that runs reads the messages of its process on the channel of its process only. Stored ones reach it in
+// any case.
+QString wrongChannel(const Draft &draft, BusInspector *bus)
+{
+    if (!belongsToProcess(draft))
+        return {};
+    const auto all = bus ? bus->registrations() : std::nullopt;
+    if (!all)
+        return {};
+    for (const auto &[channel, pid] : *all) {
+        if (channel == draft.channel)
+            return QStringLiteral("\"%1\" is for the channel of the process: send it to %2%3")
+                .arg(printable(draft.message), QString::fromLatin1(queue::kApplicationChannels), QString::number(pid));
+    }
+    return {};
+}
+
+int sendQueued(const Draft &draft)
+{
+    ZMsg message(draft.channel, draft.message);
+    message.stream().writeRawData(draft.arguments.data.constData(), int(draft.arguments.data.size()));
+    if (message.send())
+        return Done;
+    const bool storable = draft.channel.startsWith(queue::kApplicationChannels);
+    return fail(
+        QStringLiteral("the message to \"%1\" is lost: %2")
+            .arg(printable(draft.channel),
+                storable ? QStringLiteral("its file of waiting messages is in use, full or not writable")
+                         : QStringLiteral("no phone is running, and only what goes to TYX/Application/... waits")));
+}
+
+int sendNow(const Draft &draft, const platform::Result<std::unique_ptr<BusInspector>> &bus)
+{
     if (!bus)
         return failNoServer(bus.error());
     const BusInspector::Sent message = {
-        .pid = 0, .channel = options.channel, .message = options.message, .data = *data};
-    if (!BusInspector::fits(message))
+        .pid = 0, .channel = draft.channel, .message = draft.message, .data = draft.arguments.data};
+    return (*bus)->send(message) ? int(Done) : failGone(**bus);
+}
+
+int send(const Options &options)
+{
+    const auto draft = draftOf(options);
+    if (!draft)
+        return usage(draft.error());
+    if (!BusInspector::fits({0, draft->channel, draft->message, draft->arguments.data}))
         return fail(QStringLiteral("the message to \"%1\" was not sent: a channel name has 1 to 255 bytes, a message "
                                    "with its names at most 1 MiB")
-                        .arg(QString::fromStdString(options.channel)));
-    return (*bus)->send(message) ? int(Done) : failGone(**bus);
+                        .arg(printable(draft->channel)));
+    const auto bus = BusInspector::open();
+    QString objection = objectionTo(*draft);
+    if (objection.isEmpty())
+        objection = wrongChannel(*draft, bus ? bus->get() : nullptr);
+    if (!objection.isEmpty() && options.strict)
+        return usage(objection + QStringLiteral("; it was not sent"));
+    if (!objection.isEmpty())
+        std::ignore = fail(QStringLiteral("warning: ") + objection);
+    return options.queued ? sendQueued(*draft) : sendNow(*draft, bus);
 }
 
 QJsonObject json(const BusInspector::Sent &sent)
 {
-    return {{QStringLiteral("pid"), qint64(sent.pid)}, {QStringLiteral("channel"), QString::fromUtf8(sent.channel)},
-        {QStringLiteral("message"), QString::fromUtf8(sent.message)},
-        {QStringLiteral("size"), qint64(sent.data.size())},
-        {QStringLiteral("data"), QString::fromLatin1(sent.data.toByteArray().toHex())}};
+    QJsonObject object{{QStringLiteral("pid"), qint64(sent.pid)},
+        {QStringLiteral("channel"), QString::fromUtf8(sent.channel)},
+        {QStringLiteral("message"), QString::fromUtf8(sent.message)}};
+    describeArguments(object, sent.channel, sent.message, sent.data.toByteArray());
+    return object;
 }
 
 void print(const BusInspector::Sent &sent, bool asJson)
@@ -83,7 +158,8 @@ void print(const BusInspector::Sent &sent, bool asJson)
     else
         printLine(QStringLiteral("%1  %2  %3  %4  %5")
                       .arg(QString::number(sent.pid), printable(sent.channel), printable(sent.message),
-                          QString::number(sent.data.size()), QString::fromLatin1(sent.data.toByteArray().toHex(' ')))
+                          QString::number(sent.data.size()),
+                          argumentsText(sent.channel, sent.message, sent.data.toByteArray()))
                       .trimmed());
     std::fflush(stdout);
 }
@@ -126,6 +202,51 @@ int list(const Options &options)
     return Done;
 }
 
+bool isAskedFor(const KnownMessage &row, const QByteArray &about)
+{
+    if (about.isEmpty() || row.name == about)
+        return true;
+    const auto channels = rowsOf(about);
+    return row.channel != kAnyChannel && (channels.contains(row.channel) || row.channel == about);
+}
+
+QJsonObject json(const KnownMessage &row)
+{
+    QJsonArray arguments;
+    for (const Argument &argument : argumentsOf(row))
+        arguments.append(
+            QJsonObject{{QStringLiteral("type"), argument.kind->name}, {QStringLiteral("name"), argument.name}});
+    return {{QStringLiteral("channel"), QString::fromLatin1(row.channel)},
+        {QStringLiteral("message"), QString::fromLatin1(row.name)}, {QStringLiteral("arguments"), arguments},
+        {QStringLiteral("meaning"), QString::fromLatin1(row.meaning)}};
+}
+
+int describe(const Options &options)
+{
+    QJsonArray array;
+    QByteArrayView channel;
+    for (const KnownMessage &row : knownMessages()) {
+        if (!isAskedFor(row, QByteArray::fromStdString(options.channel)))
+            continue;
+        array.append(json(row));
+        if (options.json)
+            continue;
+        if (row.channel != std::exchange(channel, row.channel))
+            printLine(QString::fromLatin1(row.channel));
+        const QString usage = usageOf(row);
+        printLine(QStringLiteral("  %1%2  -- %3")
+                      .arg(QString::fromLatin1(row.name), usage.isEmpty() ? usage : u' ' + usage,
+                          QString::fromLatin1(row.meaning)));
+    }
+    if (options.json)
+        printJson(QJsonDocument(array));
+    if (!array.isEmpty())
+        return Done;
+    std::ignore = fail(QStringLiteral("nothing is known of \"%1\"; tyx bus describe lists everything")
+                           .arg(printable(QByteArray::fromStdString(options.channel))));
+    return AnsweredNo;
+}
+
 // Waits for the server too: a start-up script begins before there is one.
 int wait(const Options &options)
 {
@@ -164,7 +285,7 @@ CLI::App *add(CLI::App &bus, const char *name, const char *help, std::function<v
 
 void addBus(CLI::App &app, int &exit)
 {
-    CLI::App *bus = app.add_subcommand("bus", "Sends, watches and lists what goes over the message bus.");
+    CLI::App *bus = app.add_subcommand("bus", "Sends, watches and explains what goes over the message bus.");
     bus->require_subcommand(1);
     const auto options = std::make_shared<Options>();
     const auto running = [options, &exit](Action action) { return [=, &exit] { exit = action(*options); }; };
@@ -172,16 +293,29 @@ void addBus(CLI::App &app, int &exit)
     CLI::App *sending = add(*bus, "send", "Sends one message.", running(send));
     sending->add_option("channel", options->channel, "Channel, for example TYX/System")->required();
     sending->add_option("message", options->message, "Message name, for example \"applyStyle()\"")->required();
-    auto *arguments = sending->add_option("argument", options->arguments,
-        "Arguments with their types: int:3 uint:3 bool:1 qstring:TEXT qcstring:TEXT uuid:{...} bytes:HEX raw:HEX");
+    auto *arguments =
+        sending->add_option("argument", options->arguments, "Arguments as KIND:VALUE, for example int:3 qstring:TEXT");
     sending->add_option("--hex", options->hex, "All arguments at once, as bytes")->excludes(arguments);
+    sending->add_flag("--queued", options->queued,
+        "Stored until the application starts, if it does not run; only for TYX/Application/...");
+    sending->add_flag("--strict", options->strict, "Refuses what it otherwise warns of, and sends nothing");
+    std::string footer = "Kinds of arguments:\n";
+    for (const Kind &kind : kinds())
+        footer += "  " + kind.name.toString().leftJustified(10).toStdString() + kind.wanted + "\n";
+    sending->footer(footer + "tyx bus describe MESSAGE tells what a message takes.");
 
-    CLI::App *watching =
-        add(*bus, "monitor", "Prints all messages: sender, channel, name, size, bytes.", running(monitor));
+    CLI::App *watching = add(*bus, "monitor",
+        "Prints all messages: sender, channel, name, size, arguments (as bytes where they are not known).",
+        running(monitor));
     watching->add_option("channel", options->channels, "Only these channels");
     watching->add_option("--count", options->count, "Stops after so many messages")
         ->check(numberFrom(1, 1e9, "a number from 1 to 1000000000"));
     watching->add_flag("--json", options->json, "One JSON object a line");
+
+    CLI::App *describing = add(*bus, "describe",
+        "Tells the messages that are known, channel by channel: name, arguments, meaning.", running(describe));
+    describing->add_option("about", options->channel, "Only those of this channel, or of this name");
+    describing->add_flag("--json", options->json, "As JSON");
 
     CLI::App *listing = add(*bus, "list", "Lists the channels and the processes that have them.", running(list));
     listing->add_flag("--json", options->json, "As JSON");
