@@ -47,6 +47,7 @@ namespace {
 constexpr char kPath[] = "/tmp/qcop-msg-app";
 const queue::Record kFirst{"TYX/Application/app", "first", QByteArray("\0\xFF", 2)};
 const queue::Record kSecond{"TYX/Application/app", "se\x1b", {}};
+const queue::Record kKnown{"TYX/Application/app", "openDoc(QString)", QByteArray("\0\0\0\2\0a", 6)};
 
 void put(const QByteArray &bytes)
 {
@@ -95,7 +96,8 @@ void TstTyxQueue::listTellsForWhomMessagesWait()
     ::rmdir("/tmp/qcop-msg-folder");
     QCOMPARE(text.exit, 0);
     QVERIFY2(text.out.startsWith("app  36"), text.out.constData());
-    QVERIFY2(text.out.contains(" s  2 messages\nfolder  cannot be read: open: "), text.out.constData());
+    QVERIFY2(text.out.contains(" s  2 messages; the next sender discards them\nfolder  cannot be read: open: "),
+        text.out.constData());
     QCOMPARE(array.size(), 2);
     QCOMPARE(array[0][u"application"], u"app"_s);
     QCOMPARE(array[0][u"records"], 2);
@@ -106,15 +108,18 @@ void TstTyxQueue::listTellsForWhomMessagesWait()
 
 void TstTyxQueue::showDecodesWhatWaits()
 {
-    put(queue::encode(kFirst) + queue::encode(kSecond) + "damage");
+    put(queue::encode(kFirst) + queue::encode(kSecond) + queue::encode(kKnown) + "damage");
     const Outcome text = run({u"show"_s, u"app"_s});
     QCOMPARE(text.exit, 0);
-    QCOMPARE(text.out, "TYX/Application/app  first  2  00 ff\nTYX/Application/app  se?  0\n");
-    QCOMPARE(text.err, "tyx: /tmp/qcop-msg-app: damaged behind message 2, the rest will be dropped\n");
+    QCOMPARE(text.out,
+        "TYX/Application/app  first  2  00 ff\nTYX/Application/app  se?  0\n"
+        "TYX/Application/app  openDoc(QString)  6  document=\"a\"\n");
+    QCOMPARE(text.err, "tyx: /tmp/qcop-msg-app: damaged behind message 3, the rest will be dropped\n");
     const QJsonArray array = QJsonDocument::fromJson(run({u"show"_s, u"app"_s, u"--json"_s}).out).array();
-    QCOMPARE(array.size(), 2);
+    QCOMPARE(array.size(), 3);
     QCOMPARE(array[0][u"message"], u"first"_s);
     QCOMPARE(array[0][u"data"], u"00ff"_s);
+    QCOMPARE(array[2][u"arguments"][0][u"value"], u"a"_s);
     QVERIFY(isThere());
 }
 

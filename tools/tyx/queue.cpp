@@ -1,5 +1,6 @@
 // tyx queue: looks into the messages that wait for applications, delivers them or throws them away.
 #include "appbase/messaging/queuefile.h"
+#include "tools/tyx/catalogue.h"
 #include "tools/tyx/command.h"
 
 #include <QCopChannel>
@@ -86,9 +87,15 @@ QString line(const QByteArray &name, const platform::Result<queue::Glance> &glan
 {
     if (!glance)
         return QStringLiteral("%1  cannot be read: %2").arg(printable(name), glance.error().text());
-    return QStringLiteral("%1  %2 s  %3 messages%4")
-        .arg(printable(name), QString::number(age(*glance)), QString::number(glance->contents.records.size()),
-            glance->contents.damaged ? QStringLiteral(", then damage") : QString());
+    const auto records = glance->contents.records.size();
+    QString line = QStringLiteral("%1  %2 s  %3 %4")
+                       .arg(printable(name), QString::number(age(*glance)), QString::number(records),
+                           records == 1 ? QStringLiteral("message") : QStringLiteral("messages"));
+    if (glance->contents.damaged)
+        line += QStringLiteral(", then damage");
+    if (records > 0 && std::chrono::seconds(age(*glance)) > queue::kMaxAge)
+        line += QStringLiteral("; the next sender discards them");
+    return line;
 }
 
 int list(const Options &options)
@@ -118,17 +125,17 @@ int show(const Options &options)
         return unusable(options.bytes(), glance.error());
     QJsonArray array;
     for (const queue::Record &record : glance->contents.records) {
-        const QString size = QString::number(record.data.size());
-        if (options.json)
-            array.append(QJsonObject{{QStringLiteral("channel"), QString::fromUtf8(record.channel)},
-                {QStringLiteral("message"), QString::fromUtf8(record.message)},
-                {QStringLiteral("size"), record.data.size()},
-                {QStringLiteral("data"), QString::fromLatin1(record.data.toHex())}});
-        else
-            printLine(QStringLiteral("%1  %2  %3  %4")
-                          .arg(printable(record.channel), printable(record.message), size,
-                              QString::fromLatin1(record.data.toHex(' ')))
-                          .trimmed());
+        if (options.json) {
+            QJsonObject object{{QStringLiteral("channel"), QString::fromUtf8(record.channel)},
+                {QStringLiteral("message"), QString::fromUtf8(record.message)}};
+            describeArguments(object, record.channel, record.message, record.data);
+            array.append(object);
+            continue;
+        }
+        printLine(QStringLiteral("%1  %2  %3  %4")
+                      .arg(printable(record.channel), printable(record.message), QString::number(record.data.size()),
+                          argumentsText(record.channel, record.message, record.data))
+                      .trimmed());
     }
     if (options.json)
         printJson(QJsonDocument(array));
@@ -196,7 +203,7 @@ void addQueue(CLI::App &app, int &exit)
     const auto json = [&](CLI::App *command) { command->add_flag("--json", options->json, "As JSON"); };
 
     json(add("list", "Lists for whom messages wait, since when the last one does, and how many.", list));
-    json(named(add("show", "Prints the messages that wait: channel, name, size, bytes.", show)));
+    json(named(add("show", "Prints the messages that wait: channel, name, size, arguments.", show)));
     named(add("drop", "Throws them away.", drop));
     named(add("replay", "Sends them to the application; 1 when it does not run.", replay));
 }
