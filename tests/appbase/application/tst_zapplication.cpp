@@ -535,18 +535,22 @@ void TstZApplication::aSecondProcessChannelIsNotOpened()
 
 void TstZApplication::ordersToQuitEndTheProcess_data()
 {
+    QTest::addColumn<QCString>("channel"); // empty: that of the process
     QTest::addColumn<QCString>("message");
     QTest::addColumn<bool>("keep");
+    const QCString process;
     QTest::addColumn<int>("times");
-    QTest::newRow("shutdown()") << QCString("shutdown()") << false << 1;
-    QTest::newRow("quickQuit()") << QCString("quickQuit()") << false << 1;
-    QTest::newRow("amClosed()") << QCString("amClosed()") << false << 1;
-    QTest::newRow("amClosed() refused") << QCString("amClosed()") << true << 1;
-    QTest::newRow("shutdown() without end") << QCString("shutdown()") << false << 30'000;
+    QTest::newRow("shutdown()") << process << QCString("shutdown()") << false << 1;
+    QTest::newRow("quickQuit()") << process << QCString("quickQuit()") << false << 1;
+    QTest::newRow("shutdown() for all") << QCString("TYX/System") << QCString("shutdown()") << false << 1;
+    QTest::newRow("amClosed()") << QCString("TYX/System") << QCString("amClosed()") << false << 1;
+    QTest::newRow("amClosed() refused") << QCString("TYX/System") << QCString("amClosed()") << true << 1;
+    QTest::newRow("shutdown() without end") << process << QCString("shutdown()") << false << 30'000;
 }
 
 void TstZApplication::ordersToQuitEndTheProcess()
 {
+    QFETCH(QCString, channel);
     QFETCH(QCString, message);
     QFETCH(bool, keep);
     QProcess peer;
@@ -555,7 +559,7 @@ void TstZApplication::ordersToQuitEndTheProcess()
     const QCString process = processChannel(peer.processId());
     QFETCH(int, times);
     for (int i = 0; i < times; ++i)
-        QVERIFY(QCopChannel::send(message == "amClosed()" ? QCString("TYX/System") : process, message));
+        QVERIFY(QCopChannel::send(channel.isEmpty() ? process : channel, message));
     if (keep) // it is still there to take the next order
         QVERIFY(QCopChannel::send(process, "quickQuit()"));
     QVERIFY(peer.waitForFinished());
