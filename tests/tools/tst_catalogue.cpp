@@ -1,9 +1,9 @@
 // The catalogue of messages: what it says holds for the tables that act on them, and its decoding for any bytes.
+#include "appbase/application/routes.h"
 #include "appbase/messaging/wire.h"
 #include "tests/support/testfiles.h"
 #include "tools/tyx/catalogue.h"
 
-#include <QDir>
 #include <QJsonArray>
 #include <QRegularExpression>
 #include <QTest>
@@ -53,32 +53,22 @@ const QStringList kWithoutRow = {
     u"TYX/Application/NAME sendTextToContact(QString)"_s,
 };
 
-// Every table of every source, since a table cannot be asked from here: it is private to its file.
 QStringList routedMessages()
 {
-    const QMap<QString, QString> channels = {
-        {u"processRoutes"_s, u"TYX/Application/PID"_s},
-        {u"systemRoutes"_s, u"TYX/System"_s},
-        {u"serverRoutes"_s, u"TYX/QtServer"_s},
-        {u"applicationRoutes"_s, u"TYX/Application/NAME"_s},
-        {u"appRoutes"_s, u"TYX/Application/NAME"_s},
-        {u"screenRoutes"_s, u"TYX/Screen"_s},
-    };
-    static const QRegularExpression table(
-        uR"(constexpr Row (\w+)\[\] = \{\n(.*?)\n\};)"_s, QRegularExpression::DotMatchesEverythingOption);
-    static const QRegularExpression row(uR"re(\{"([^"]+)",)re"_s);
     QStringList messages;
-    for (const QString &folder : {u"appbase/application"_s, u"guiserver"_s}) {
-        const QDir sources(QStringLiteral(TYX_SOURCE_DIR "/") + folder, u"*.cpp"_s);
-        for (const QFileInfo &source : sources.entryInfoList()) {
-            const QString text = QString::fromUtf8(content(source.filePath()));
-            for (const auto &found : table.globalMatch(text)) {
-                const QString channel = channels.value(found.captured(1), found.captured(1));
-                for (const auto &line : row.globalMatch(found.captured(2)))
-                    messages.append(channel + u' ' + line.captured(1));
-            }
-        }
-    }
+    const auto add = [&](const char *channel, routes::Rows rows) {
+        for (const auto &row : rows)
+            messages.append(QString::fromLatin1(channel) + u' ' + QString::fromLatin1(row.message));
+    };
+    add("TYX/Application/PID", routes::process());
+    add("TYX/System", routes::system());
+    add("TYX/QtServer", routes::server());
+    add("TYX/Application/NAME", routes::application());
+    // This table belongs to a program: it can only be read.
+    static const QRegularExpression row(uR"re(\{"([^"]+)", &ScreenService::)re"_s);
+    const QString source = QString::fromUtf8(content(QStringLiteral(TYX_SOURCE_DIR "/guiserver/screenservice.cpp")));
+    for (const auto &found : row.globalMatch(source))
+        messages.append(u"TYX/Screen "_s + found.captured(1));
     return messages;
 }
 

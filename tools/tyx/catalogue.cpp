@@ -16,8 +16,9 @@ constexpr QByteArrayView kScreen = "TYX/Screen";
 constexpr QByteArrayView kInputMethods = "TYX/IMServer";
 
 constexpr char kNone[] = "";
-constexpr char kEditorState[] = "int editor, int second, int third";
-constexpr char kWidgetShown[] = "int editor, int second, int third, uuid method, int last";
+constexpr char kEditorState[] = "int editor, int state, int detail";
+constexpr char kWidgetHidden[] = "int editor, int window, int reason";
+constexpr char kWidgetShown[] = "int editor, int window, int inputType, uuid method, int height";
 constexpr char kBridged[] = "qcstring message, bytes data";
 constexpr char kBridgedToProcess[] = "int unused, qcstring message, bytes data";
 constexpr char kKeyEvent[] = "uint16 unicode, uint16 key, int modifiers, qstring text";
@@ -59,22 +60,22 @@ constexpr KnownMessage kMessages[] = {
     {kSystem, "updateTouchPanelSoundInfo()", kNone, "everybody reads the sounds of the touch panel anew"},
     {kSystem, "languageChanged()", kNone, "everybody reads the language anew"},
 
-    {kServer, "registerEditor(QCString,int,int)", "qcstring channel, int second, int editor", "an editor wants input"},
+    {kServer, "registerEditor(QCString,int,int)", "qcstring channel, int window, int editor", "an editor wants input"},
     {kServer, "unRegisterEditor(int)", "int editor", "an editor is gone"},
-    {kServer, "showInputWidget(int,int,QUuid,int)", "int first, int second, int third, uuid method, int last",
+    {kServer, "showInputWidget(int,int,QUuid,int)", "int editor, int window, int show, uuid method, int inputType",
         "shows the keyboard of an input method"},
     {kServer, "updateEditorState(int,int,int)", kEditorState, "the state of an editor changed"},
     {kServer, "manipulateAppWindows(int,QString)", "int operation, qstring application",
         "does something to the windows of an application"},
-    {kServer, "setFocusToLatestWindow(int)", "int window", "gives the focus to the latest window"},
+    {kServer, "setFocusToLatestWindow(int)", "int except", "gives the focus to the latest other window"},
     {kServer, "languageChanged()", kNone, "the language was set: everybody is told on TYX/System"},
     {kServer, "HardkeySoundChanged()", kNone, "reads the sound of the hard keys anew"},
 
     {kProgramChannel, "manipulateAppWindows(int,QValueList)", "int operation, ints windows",
         "does something to its windows"},
     {kProgramChannel, "inputWidgetShown(int,int,int,QUuid,int)", kWidgetShown, "the keyboard is shown"},
-    {kProgramChannel, "hideInputWidget(int,int,int)", kEditorState, "the keyboard is hidden"},
-    {kProgramChannel, "autoHideInputWidget(int,int,int)", kEditorState, "the keyboard hid itself"},
+    {kProgramChannel, "hideInputWidget(int,int,int)", kWidgetHidden, "the keyboard is hidden"},
+    {kProgramChannel, "autoHideInputWidget(int,int,int)", kWidgetHidden, "the keyboard hid itself"},
     {kProgramChannel, "updateEditorState(int,int,int)", kEditorState, "the state of an editor changed"},
     {kProgramChannel, "sendKeyEventEx(IM_KeyEvent_Ex)", kKeyEvent, "a key from an input method"},
     {kProgramChannel, "unconfirmedText(QString)", "qstring text", "text that an input method has not confirmed yet"},
