@@ -1,5 +1,6 @@
 // The phone's GUI server.
 #include "appbase/application/zapplication.h"
+#include "guiserver/farewell.h"
 #include "guiserver/screenservice.h"
 #include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
@@ -71,6 +72,7 @@ int main(int argc, char **argv)
     const StatusBar statusBar(server.screenWidget());
     server.setWorkArea(server.screenWidget()->rect().adjusted(0, StatusBar::kHeight, 0, 0));
     const ScreenService screenService;
+    QObject::connect(&application, &ZApplication::shutdown, &awaitApplications);
     releaseTerminationSignals();
     announce();
     return ZApplication::exec();
