@@ -35,7 +35,14 @@ public:
         connect(&m_greet, &QAction::triggered, this, [this] { tell(text("Hello, phone!")); });
         connect(&m_exit, &QAction::triggered, qApp, &QCoreApplication::quit);
         retranslate();
-        tell(text("Language: %1").arg(ZApplication::instance()->language()));
+        tellLanguage();
+    }
+
+    void open(const QString &document)
+    {
+        m_document = document;
+        retranslate();
+        tell(text("Open: %1").arg(document));
     }
 
     void tell(const QString &line)
@@ -49,21 +56,25 @@ public:
 protected:
     void changeEvent(QEvent *event) override
     {
-        if (event->type() == QEvent::LanguageChange)
+        if (event->type() == QEvent::LanguageChange) {
             retranslate();
+            tellLanguage();
+        }
         QWidget::changeEvent(event);
     }
 
 private:
     void retranslate()
     {
-        setWindowTitle(text("Hello"));
+        setWindowTitle(m_document.isEmpty() ? text("Hello") : text("Hello") + QStringLiteral(" - ") + m_document);
         m_text.setPlaceholderText(text("Say something"));
         m_options.setText(text("Options"));
         m_clear.setText(menuText("Clear the list"));
         m_greet.setText(menuText("Say hello"));
         m_exit.setText(menuText("Exit"));
     }
+
+    void tellLanguage() { tell(text("Language: %1").arg(ZApplication::instance()->language())); }
 
     void say()
     {
@@ -80,6 +91,7 @@ private:
         question->open();
     }
 
+    QString m_document;
     QLineEdit m_text;
     QListWidget m_log;
     QPushButton m_options;
@@ -98,8 +110,8 @@ int main(int argc, char **argv)
     Window window;
     QObject::connect(&app, &ZApplication::appMessage, &window,
         [&](const QCString &message) { window.tell(text("Message: %1").arg(QString::fromUtf8(message))); });
-    QObject::connect(&app, &ZApplication::signalOpenDoc, &window,
-        [&](const QString &document) { window.tell(text("Open: %1").arg(document)); });
+    QObject::connect(&app, &ZApplication::signalOpenDoc, &window, &Window::open);
+    QObject::connect(&app, &ZApplication::shutdown, &window, [&] { window.tell(text("Good bye")); });
     app.setMainWidget(&window);
     window.show();
     return ZApplication::exec();

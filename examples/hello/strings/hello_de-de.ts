@@ -32,6 +32,10 @@
         <translation>Öffnen: %1</translation>
     </message>
     <message>
+        <source>Good bye</source>
+        <translation>Auf Wiedersehen</translation>
+    </message>
+    <message>
         <source>Hello, phone!</source>
         <translation>Hallo, Telefon!</translation>
     </message>

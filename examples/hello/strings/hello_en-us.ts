@@ -32,6 +32,10 @@
         <translation>Open: %1</translation>
     </message>
     <message>
+        <source>Good bye</source>
+        <translation>Good bye</translation>
+    </message>
+    <message>
         <source>Hello, phone!</source>
         <translation>Hello, phone!</translation>
     </message>

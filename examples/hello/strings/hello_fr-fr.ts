@@ -32,6 +32,10 @@
         <translation>Ouvrir : %1</translation>
     </message>
     <message>
+        <source>Good bye</source>
+        <translation>Au revoir</translation>
+    </message>
+    <message>
         <source>Hello, phone!</source>
         <translation>Bonjour, téléphone !</translation>
     </message>
