@@ -131,10 +131,15 @@ void TstTyxQueue::dropRemovesTheFile()
 
 void TstTyxQueue::replaySendsToAnApplicationThatRuns()
 {
+    put(queue::encode(kFirst) + queue::encode(kSecond) + queue::encode(kKnown));
     QCopChannel channel("TYX/Application/app");
+    QCopChannel process("TYX/Application/" + QByteArray::number(QCoreApplication::applicationPid()));
     QSignalSpy received(&channel, &QCopChannel::received);
+    QSignalSpy receivedByProcess(&process, &QCopChannel::received);
     QCOMPARE(run({u"replay"_s, u"app"_s}).exit, 0);
-    QTRY_COMPARE(received.size(), 2);
+    QTRY_COMPARE(receivedByProcess.size(), 1); // where it has its effect
+    QCOMPARE(receivedByProcess[0][0].value<QCString>(), kKnown.message);
+    QCOMPARE(received.size(), 2);
     QCOMPARE(received[0][0].value<QCString>(), kFirst.message);
     QCOMPARE(received[0][1].toByteArray(), kFirst.data);
     QCOMPARE(received[1][0].value<QCString>(), kSecond.message);

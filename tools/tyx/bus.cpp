@@ -53,7 +53,7 @@ int failGone(const BusInspector &bus)
     return fail(bus.isSilent() ? QStringLiteral("the phone does not answer") : QStringLiteral("the phone has stopped"));
 }
 
-int usage(const QString &message)
+int wrongUsage(const QString &message)
 {
     std::ignore = fail(message);
     return Usage;
@@ -73,11 +73,10 @@ tl::expected<Draft, QString> draftOf(const Options &options)
     QStringList typed;
     for (const std::string &argument : options.arguments)
         typed.append(QString::fromStdString(argument));
-    auto arguments = encodeArguments(typed);
-    if (!arguments) {
-        const KnownMessage *known = knownMessage(draft.channel, draft.message);
-        return tl::make_unexpected(known ? arguments.error() + u"; " + whatItTakes(*known) : arguments.error());
-    }
+    const KnownMessage *known = knownMessage(draft.channel, draft.message);
+    auto arguments = encodeArguments(typed, known ? whatItTakes(*known) : QString());
+    if (!arguments)
+        return tl::make_unexpected(arguments.error());
     draft.arguments = std::move(*arguments);
     return draft;
 }
@@ -126,7 +125,7 @@ int send(const Options &options)
 {
     const auto draft = draftOf(options);
     if (!draft)
-        return usage(draft.error());
+        return wrongUsage(draft.error());
     if (!BusInspector::fits({0, draft->channel, draft->message, draft->arguments.data}))
         return fail(QStringLiteral("the message to \"%1\" was not sent: a channel name has 1 to 255 bytes, a message "
                                    "with its names at most 1 MiB")
@@ -136,9 +135,9 @@ int send(const Options &options)
     if (objection.isEmpty())
         objection = wrongChannel(*draft, bus ? bus->get() : nullptr);
     if (!objection.isEmpty() && options.strict)
-        return usage(objection + QStringLiteral("; it was not sent"));
+        return wrongUsage(objection + QStringLiteral("; it was not sent"));
     if (!objection.isEmpty())
-        std::ignore = fail(QStringLiteral("warning: ") + objection);
+        std::ignore = fail(QStringLiteral("warning: %1; sent all the same").arg(objection));
     return options.queued ? sendQueued(*draft) : sendNow(*draft, bus);
 }
 
@@ -204,7 +203,7 @@ int list(const Options &options)
 
 bool isAskedFor(const KnownMessage &row, const QByteArray &about)
 {
-    if (about.isEmpty() || row.name == about)
+    if (about.isEmpty() || isLike(row.name, about))
         return true;
     const auto channels = rowsOf(about);
     return row.channel != kAnyChannel && (channels.contains(row.channel) || row.channel == about);

@@ -252,7 +252,7 @@ const Kind *kindNamed(QStringView name)
 
 bool haveSameForm(const Kind &a, const Kind &b) { return formOf(a) == formOf(b); }
 
-tl::expected<Encoded, QString> encodeArguments(const QStringList &arguments)
+tl::expected<Encoded, QString> encodeArguments(const QStringList &arguments, const QString &whatItTakes)
 {
     Writer out;
     QList<const Kind *> written;
@@ -260,9 +260,10 @@ tl::expected<Encoded, QString> encodeArguments(const QStringList &arguments)
         const qsizetype colon = argument.indexOf(u':');
         const Kind *kind = kindNamed(QStringView(argument).left(std::max<qsizetype>(colon, 0)));
         if (!kind) {
+            const QString cure =
+                whatItTakes.isEmpty() ? QStringLiteral("write one of %1 before it").arg(kindNames()) : whatItTakes;
             return tl::make_unexpected(
-                QStringLiteral("argument \"%1\" has no type that is known: write one of %2 before it")
-                    .arg(argument, kindNames()));
+                QStringLiteral("argument \"%1\" has no type that is known: %2").arg(argument, cure));
         }
         if (!kind->put(out, argument.mid(colon + 1)))
             return tl::make_unexpected(

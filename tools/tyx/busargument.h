@@ -38,8 +38,9 @@ struct Encoded {
     QList<const Kind *> kinds; // in order; none when the data were given as bytes
 };
 
-// Each is KIND:VALUE. The error names the argument and what is wrong with it.
-tl::expected<Encoded, QString> encodeArguments(const QStringList &arguments);
+// Each is KIND:VALUE. The error names the argument, what is wrong with it, and what the message takes, when that is
+// told.
+tl::expected<Encoded, QString> encodeArguments(const QStringList &arguments, const QString &whatItTakes = {});
 
 // Hexadecimal digits in pairs, blanks between them allowed; nothing else is taken.
 tl::expected<QByteArray, QString> decodeHex(const QString &text);

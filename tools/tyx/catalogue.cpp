@@ -186,6 +186,14 @@ const KnownMessage *knownMessage(QByteArrayView channel, QByteArrayView message)
     return nullptr;
 }
 
+bool isLike(QByteArrayView name, QByteArrayView other)
+{
+    const auto stem = [](QByteArrayView text) {
+        return text.first(std::find(text.begin(), text.end(), '(') - text.begin()).toByteArray().toLower();
+    };
+    return stem(name) == stem(other);
+}
+
 QList<Argument> argumentsOf(const KnownMessage &message)
 {
     QList<Argument> arguments;
@@ -241,9 +249,10 @@ QString argumentsText(QByteArrayView channel, QByteArrayView message, const QByt
         words.append(arguments[i].name + u'=' + valueText(*arguments[i].kind, decoded.values[i]));
     if (!decoded.complete) {
         const Argument &missing = arguments[decoded.values.size()];
-        words.append(QStringLiteral("(no %1:%2 in: %3)")
-                         .arg(missing.kind->name, missing.name,
-                             decoded.rest.isEmpty() ? QStringLiteral("nothing") : hexText(decoded.rest)));
+        const QString name = missing.kind->name + u':' + missing.name;
+        words.append(decoded.rest.isEmpty()
+                ? QStringLiteral("(%1 is missing)").arg(name)
+                : QStringLiteral("(%1 cannot be read from: %2)").arg(name, hexText(decoded.rest)));
     } else if (!decoded.rest.isEmpty()) {
         words.append(QStringLiteral("(surplus: %1)").arg(hexText(decoded.rest)));
     }

@@ -35,6 +35,9 @@ QList<QByteArrayView> rowsOf(QByteArrayView channel);
 // Null when the message is not known on that channel.
 const KnownMessage *knownMessage(QByteArrayView channel, QByteArrayView message);
 
+// Whether two names differ only in what is easily forgotten: "Shutdown" is like "shutdown()".
+bool isLike(QByteArrayView name, QByteArrayView other);
+
 struct Argument {
     const Kind *kind;
     QLatin1String name;

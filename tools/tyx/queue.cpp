@@ -1,5 +1,6 @@
 // tyx queue: looks into the messages that wait for applications, delivers them or throws them away.
 #include "appbase/messaging/queuefile.h"
+#include "platform/bus/businspector.h"
 #include "tools/tyx/catalogue.h"
 #include "tools/tyx/command.h"
 
@@ -7,6 +8,7 @@
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <algorithm>
 #include <memory>
 
 namespace tyx {
@@ -153,6 +155,25 @@ int drop(const Options &options)
     return Done;
 }
 
+// The process that has the channel; 0 when that cannot be told.
+quint32 processOf(const QCString &channel)
+{
+    const auto bus = platform::BusInspector::open();
+    const auto all = bus ? (*bus)->registrations() : std::nullopt;
+    if (!all)
+        return 0;
+    const auto entry = std::find_if(all->begin(), all->end(), [&](const auto &each) { return each.first == channel; });
+    return entry == all->end() ? 0 : entry->second;
+}
+
+// Where a message has the effect that it has when a starting application takes it: some only on its process's channel.
+QCString destination(const queue::Record &record, const QCString &channel, quint32 process)
+{
+    const KnownMessage *known = knownMessage(channel, record.message);
+    const QCString own(queue::kApplicationChannels.toByteArray() + QByteArray::number(process));
+    return known && known->channel == kProcessChannel && QCopChannel::isRegistered(own) ? own : channel;
+}
+
 int replay(const Options &options)
 {
     auto held = queue::LockedFile::forTaking(options.bytes());
@@ -167,9 +188,10 @@ int replay(const Options &options)
     const auto contents = held->read();
     if (!contents)
         return unusable(options.bytes(), contents.error());
+    const quint32 process = processOf(channel);
     qsizetype sent = 0;
     for (const queue::Record &record : contents->records) {
-        if (!QCopChannel::send(channel, record.message, record.data))
+        if (!QCopChannel::send(destination(record, channel, process), record.message, record.data))
             return fail(
                 QStringLiteral("%1: message %2 of %3 was not sent, those before it were; the phone has "
                                "stopped, or it is larger than 1 MiB: drop them with tyx queue drop")

@@ -27,13 +27,6 @@ bool fits(const Encoded &encoded, const KnownMessage &known)
     return decoded.complete && decoded.rest.isEmpty();
 }
 
-// The name without its arguments and in small letters: what is remembered when the rest is not.
-QByteArray stem(QByteArrayView name)
-{
-    const auto end = std::find(name.begin(), name.end(), '(');
-    return name.first(end - name.begin()).toByteArray().toLower();
-}
-
 template <typename Predicate> const KnownMessage *firstOf(Predicate predicate)
 {
     const auto all = knownMessages();
@@ -54,10 +47,10 @@ QString unknownName(const Draft &draft)
     if (!isListed(draft.channel))
         return {};
     const QList<QByteArrayView> rows = rowsOf(draft.channel);
-    const auto isLike = [&](const KnownMessage &row) { return stem(row.name) == stem(draft.message); };
-    if (const auto *here = firstOf([&](const KnownMessage &row) { return rows.contains(row.channel) && isLike(row); }))
+    const auto isMeant = [&](const KnownMessage &row) { return isLike(row.name, draft.message); };
+    if (const auto *here = firstOf([&](const KnownMessage &row) { return rows.contains(row.channel) && isMeant(row); }))
         return QStringLiteral("%1 is not known; there is %2").arg(quoted(draft.message), quoted(here->name));
-    if (const auto *elsewhere = firstOf(isLike))
+    if (const auto *elsewhere = firstOf(isMeant))
         return QStringLiteral("%1 is not known there; %2 belongs on %3")
             .arg(quoted(draft.message), quoted(elsewhere->name), printable(elsewhere->channel));
     return {};
