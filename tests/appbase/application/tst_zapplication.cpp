@@ -15,6 +15,7 @@
 #include <QProcess>
 #include <QScreen>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -143,6 +144,34 @@ private:
     QStringList &seen;
 };
 
+// What messages change in the process, set to values that no message sets.
+struct Marks {
+    Marks()
+    {
+        qputenv("TZ", "unchanged");
+        qunsetenv("TYX_TEST");
+        QApplication::setPalette(QPalette(Qt::red));
+        QApplication::setFont(QFont(QStringLiteral("unchanged"), 77));
+        QApplication::style()->setObjectName(QStringLiteral("unchanged"));
+    }
+
+    [[nodiscard]] QStringList changed() const
+    {
+        QStringList changes;
+        if (qgetenv("TZ") != "unchanged")
+            changes.append(QStringLiteral("TZ ") + qEnvironmentVariable("TZ"));
+        if (qEnvironmentVariableIsSet("TYX_TEST"))
+            changes.append(QStringLiteral("TYX_TEST ") + qEnvironmentVariable("TYX_TEST"));
+        if (QApplication::palette().color(QPalette::Button) != QPalette(Qt::red).color(QPalette::Button))
+            changes.append(QStringLiteral("palette"));
+        if (QApplication::font().pointSize() != 77)
+            changes.append(QStringLiteral("font"));
+        if (QApplication::style()->objectName() != QStringLiteral("unchanged"))
+            changes.append(QStringLiteral("style"));
+        return changes;
+    }
+};
+
 }
 
 class TstZApplication : public QObject {
@@ -252,7 +281,11 @@ QList<TstZApplication::Row> TstZApplication::rows() const
                 {"usbMassStorageEnabled(bool)", wire::pack(2), "usb 1"},
                 {"usbMassStorageEnabled(bool)", wire::pack(false), "usb 0"}, {"Raise()", {}, ""}}},
         {System,
-            {{"master clear", {}, "clear"}, {"master reset", {}, "reset"}, {"amClosed()", {}, ""},
+            {{"applyPalette()", {}, "palette"}, {"master clear", {}, "clear"}, {"master reset", {}, "reset"},
+                {"SetGuiToSuspension()", {}, ""}, {"SetGuiToResume()", {}, ""}, {"amClosed()", {}, ""},
+                {"changeTextSize()", {}, "font"}, {"applyStyle()", {}, "palette|style"},
+                {"setOneEnv()", wire::pack(QStringLiteral("TYX_TEST=1=2")), "TYX_TEST 1=2"},
+                {"setOneEnv()", wire::pack(QStringLiteral("=1")), ""}, {"updateTouchPanelSoundInfo()", {}, ""},
                 {"modifytimezone", wire::pack(8, 0, 0), "TZ GMT-8:0:0"},
                 {"modifytimezone", wire::pack(-5, 0, 0), "TZ GMT+5:0:0"},
                 {"modifytimezone", wire::pack(0, 30, 9), "TZ GMT+0:30:9"},
@@ -270,7 +303,7 @@ QList<TstZApplication::Row> TstZApplication::rows() const
                 {kUpdateEditorState, wire::pack(7, 1, 2), "state 7 tst 1 2"},
                 {kUpdateEditorState, wire::pack(8, 1, 2), ""}, {kOrderWindows, wire::pack(1, QString()), ""},
                 {kFocusLatestWindow, wire::pack(0), ""}, {"languageChanged()", {}, "system languageChanged() "},
-                {"unknown", {}, ""}}},
+                {"HardkeySoundChanged()", {}, ""}, {"unknown", {}, ""}}},
         {Application,
             {{kObeyWindowOrder, wire::pack(4, QList<int>{1, 2}), QByteArray("app ") + kObeyWindowOrder + " *"},
                 {kInputWidgetShown, wire::pack(7, 1, 2, uuid, 100),
@@ -333,7 +366,7 @@ void TstZApplication::noMessageIsForgotten()
 // What the message brings about, in order.
 QStringList TstZApplication::effect(const Row &row, const QByteArray &arguments)
 {
-    qputenv("TZ", "unchanged");
+    const Marks marks;
     m_server.appendEditor(7, QCString(kChannel));
     QStringList seen;
     const Recorder recorder(m_app, *m_field, seen);
@@ -362,9 +395,7 @@ QStringList TstZApplication::effect(const Row &row, const QByteArray &arguments)
     seen.removeLast();
     m_server.onUnregisterEditor(wire::pack(9));
     seen.removeAll(QStringLiteral("gone 9"));
-    if (qgetenv("TZ") != "unchanged")
-        seen.append(QStringLiteral("TZ ") + qEnvironmentVariable("TZ"));
-    return seen;
+    return seen + marks.changed();
 }
 
 void TstZApplication::editorsAreRegisteredWhileTheyLive()
