@@ -5,17 +5,21 @@
 //   show|hide|delete|raise|lower|activate|full|normal|menu NAME                                       -> "done NAME"
 //   move NAME X Y     title NAME TEXT     colour NAME COLOUR                                           -> "done NAME"
 //   id NAME           -> "id NAME NUMBER"
+//   ask NAME          runs a dialog -> "done NAME", and "answered" when it ends
 //   exit STATUS       ends the event loop
 // Events: "NAME press KEY TEXT-IN-HEX MODIFIERS REPEAT", "NAME release KEY", "NAME down|up|move X Y", "NAME wheel
 // DELTA", "NAME active", "NAME inactive", "NAME closed", "NAME shown WIDTH HEIGHT" after each new size.
-#include "platform/window/qwsapplication.h"
+// With the argument "application" it also has the channels of an application.
+#include "appbase/application/zapplication.h"
 
+#include <QDialog>
 #include <QHash>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
 #include <QPointer>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <cstdio>
 #include <unistd.h>
 
@@ -111,6 +115,14 @@ void menu(PeerWindow &window)
     menu->popup(window.mapToGlobal(QPoint(30, 40)));
 }
 
+void ask(PeerWindow &window)
+{
+    QDialog dialog(&window);
+    dialog.setObjectName(QStringLiteral("question"));
+    dialog.exec();
+    answer(QStringLiteral("answered"));
+}
+
 using Action = void (*)(PeerWindow &, const QStringList &);
 
 Action actionFor(const QString &word)
@@ -124,6 +136,8 @@ Action actionFor(const QString &word)
         {QStringLiteral("activate"), [](PeerWindow &w, const QStringList &) { w.activateWindow(); }},
         {QStringLiteral("full"), [](PeerWindow &w, const QStringList &) { w.showFullScreen(); }},
         {QStringLiteral("normal"), [](PeerWindow &w, const QStringList &) { w.showNormal(); }},
+        {QStringLiteral("ask"),
+            [](PeerWindow &w, const QStringList &) { QTimer::singleShot(0, &w, [&w] { ask(w); }); }},
         {QStringLiteral("menu"), [](PeerWindow &w, const QStringList &) { menu(w); }},
         {QStringLiteral("move"),
             [](PeerWindow &w, const QStringList &words) { w.move(words.value(2).toInt(), words.value(3).toInt()); }},
@@ -170,7 +184,9 @@ void readCommands(QByteArray &pending)
 
 int main(int argc, char **argv)
 {
-    QWSApplication application(argc, argv, QWSApplication::GuiClient);
+    const std::unique_ptr<QWSApplication> application = argc > 1
+        ? std::make_unique<ZApplication>(argc, argv)
+        : std::make_unique<QWSApplication>(argc, argv, QWSApplication::GuiClient);
     QWSApplication::setQuitOnLastWindowClosed(false);
     QByteArray pending;
     QSocketNotifier commands(STDIN_FILENO, QSocketNotifier::Read);

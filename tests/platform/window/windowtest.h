@@ -94,7 +94,7 @@ private:
 inline QColor pixel(QPoint position) { return server().grabScreen().pixelColor(position); }
 
 // A test program whose process is the GUI server.
-template <typename Test> int runOnServer(int argc, char **argv)
+template <typename Test, typename Application = QWSApplication> int runOnServer(int argc, char **argv)
 {
     // Whatever the developer's display is, the tests' screen is their own.
     char platform[] = "--platform=offscreen";
@@ -102,7 +102,7 @@ template <typename Test> int runOnServer(int argc, char **argv)
     arguments.push_back(platform);
     arguments.push_back(nullptr);
     int count = argc + 1;
-    QWSApplication application(count, arguments.data(), QWSApplication::GuiServer);
+    Application application(count, arguments.data(), QWSApplication::GuiServer);
     QWSApplication::setQuitOnLastWindowClosed(false);
     server().setWorkArea(kWorkArea);
     Test test;
