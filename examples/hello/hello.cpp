@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <ZApplication>
+#include <ZMainWidget>
 #include <cstdio>
 
 namespace {
@@ -16,10 +17,12 @@ namespace {
 QString text(const char *source) { return QCoreApplication::translate("1.1.1;HELLO", source); }
 QString menuText(const char *source) { return QCoreApplication::translate("1.1.2;MENU", source); }
 
-class Window : public QWidget {
+class Window : public ZMainWidget {
 public:
     Window()
     {
+        setContentWidget(new QWidget);
+        contentWidget()->setLayout(&m_column);
         m_log.setFocusPolicy(Qt::NoFocus);
         m_options.setFocusPolicy(Qt::NoFocus);
         m_column.setContentsMargins(6, 6, 6, 6);
@@ -60,7 +63,7 @@ protected:
             retranslate();
             tellLanguage();
         }
-        QWidget::changeEvent(event);
+        ZMainWidget::changeEvent(event);
     }
 
 private:
@@ -95,7 +98,7 @@ private:
     QLineEdit m_text;
     QListWidget m_log;
     QPushButton m_options;
-    QVBoxLayout m_column{this};
+    QVBoxLayout m_column;
     QMenu m_menu;
     QAction m_clear;
     QAction m_greet;
