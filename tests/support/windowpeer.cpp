@@ -9,7 +9,7 @@
 //   exit STATUS       ends the event loop
 // Events: "NAME press KEY TEXT-IN-HEX MODIFIERS REPEAT", "NAME release KEY", "NAME down|up|move X Y", "NAME wheel
 // DELTA", "NAME active", "NAME inactive", "NAME closed", "NAME shown WIDTH HEIGHT" after each new size.
-// With the argument "application" it also has the channels of an application.
+// With the argument "application" it also has the channels of an application, and its windows are editors.
 #include "appbase/application/zapplication.h"
 
 #include <QDialog>
@@ -104,6 +104,8 @@ void make(const QStringList &words)
     if (words.value(2) == QLatin1String("modal"))
         window->setWindowModality(Qt::ApplicationModal);
     windows[words.value(1)] = window;
+    if (auto *application = ZApplication::instance())
+        application->registerEditor(window);
 }
 
 void menu(PeerWindow &window)

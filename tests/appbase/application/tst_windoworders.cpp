@@ -1,4 +1,4 @@
-// Orders about an application's windows, on a phone with real ones.
+// Orders about an application's windows, on a phone with real ones; where its editors are.
 #include "appbase/messaging/wire.h"
 #include "tests/platform/window/windowtest.h"
 
@@ -37,7 +37,16 @@ void TstWindowOrders::areCarriedOut()
 {
     Client app(QStringLiteral(TYX_BINARY_DIR "/tests/windowpeer"), {u"application"_s});
     Client other;
+    const QCopChannel toServer("TYX/QtServer");
+    QList<int> registeredIn; // windows; an editor is registered before its window is shown, and again when it is
+    connect(&toServer, &QCopChannel::received, this, [&](const QCString &message, const QByteArray &arguments) {
+        QCString channel;
+        int window = -1;
+        if (message.startsWith("registerEditor") && wire::unpack(arguments, channel, window))
+            registeredIn.append(window);
+    });
     QVERIFY(app.shows(u"one"_s, u"main"_s) && app.shows(u"two"_s, u"main"_s));
+    QTRY_COMPARE(registeredIn, (QList<int>{0, app.window(u"one"_s)->winId(), 0, app.window(u"two"_s)->winId()}));
     QVERIFY(other.shows(u"other"_s, u"main"_s));
     QTRY_COMPARE(visible(), u"other* two one"_s);
     order(ZApplication::RaiseWindows);
