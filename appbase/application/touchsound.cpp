@@ -1,6 +1,6 @@
 #include "appbase/application/touchsound.h"
 
-const char *touchSoundFile(qint32 style)
+const char *touchSoundFile(quint32 style)
 {
     switch (style) {
     case 1:

@@ -5,7 +5,7 @@
 #include "appbase/messaging/soundqueue.h"
 
 // What each style plays; null for silence, which every other number means too.
-const char *touchSoundFile(qint32 style);
+const char *touchSoundFile(quint32 style);
 
 // One in the application object.
 class TouchSound {
@@ -16,5 +16,5 @@ public:
 
 private:
     SoundQueue m_queue;
-    SoundInfo m_info;
+    SoundInfo m_info{};
 };

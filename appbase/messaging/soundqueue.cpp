@@ -17,25 +17,28 @@ std::optional<std::array<std::byte, SoundMessage::kSize>> SoundMessage::encoded(
     return bytes;
 }
 
-bool SoundQueue::open()
+const platform::MessageQueue *SoundQueue::opened()
 {
     constexpr int kMode = 0666; // players and applications may be different users
-    if (m_queue)
-        return true;
-    const auto key = platform::keyOfFile(kKeyFile, kProject);
-    if (!key)
-        return false;
-    if (const auto queue = platform::MessageQueue::open({*key, IPC_CREAT | kMode}))
-        m_queue = *queue;
-    return m_queue.has_value();
+    if (!m_queue) {
+        const auto key = platform::keyOfFile(kKeyFile, kProject);
+        if (!key)
+            return nullptr;
+        if (const auto queue = platform::MessageQueue::open({*key, IPC_CREAT | kMode}))
+            m_queue = *queue;
+    }
+    return m_queue ? &*m_queue : nullptr;
 }
 
 bool SoundQueue::send(const SoundMessage &message)
 {
     const auto bytes = message.encoded();
-    if (!bytes || !open())
+    if (!bytes)
         return false;
-    const auto sent = m_queue->send(SoundMessage::kType, *bytes);
+    const platform::MessageQueue *queue = opened();
+    if (!queue)
+        return false;
+    const auto sent = queue->send(SoundMessage::kType, *bytes);
     if (!sent && sent.error().number != EAGAIN)
         m_queue.reset(); // it was removed: the next sound looks for another one
     return sent.has_value();
@@ -43,9 +46,10 @@ bool SoundQueue::send(const SoundMessage &message)
 
 std::optional<std::size_t> SoundQueue::waiting()
 {
-    if (!open())
+    const platform::MessageQueue *queue = opened();
+    if (!queue)
         return std::nullopt;
-    const auto pending = m_queue->pending();
+    const auto pending = queue->pending();
     if (!pending) {
         m_queue.reset();
         return std::nullopt;

@@ -21,8 +21,8 @@ struct SoundMessage {
     static constexpr std::size_t kNameOffset = 4 + 4;
     static constexpr std::size_t kSize = kNameOffset + 252;
 
-    qint32 style;
-    qint32 volume;
+    quint32 style;
+    quint32 volume;
     QByteArrayView file;
 
     // None when the name does not fit or has a NUL inside: half a name is another file.
@@ -35,7 +35,7 @@ public:
     static constexpr char kKeyFile[] = "/tmp/touch_sound_msg";
     static constexpr char kProject = 't';
 
-    bool open(); // false without a key file, or when the queue is not for us
+    bool open() { return opened() != nullptr; } // false without a key file, or when the queue is not for us
 
     // Opens when necessary. Never waits: false when the sound is dropped, which nobody is told of.
     bool send(const SoundMessage &message);
@@ -44,5 +44,7 @@ public:
     [[nodiscard]] std::optional<std::size_t> waiting();
 
 private:
+    const platform::MessageQueue *opened(); // null when it cannot be
+
     std::optional<platform::MessageQueue> m_queue;
 };
