@@ -1,5 +1,5 @@
 // A whole application: a window with a menu, a text field, a dialog, and a list of what the phone told it. It speaks
-// the language of the phone, and another one as soon as that is set.
+// the language of the phone, and another one as soon as that is set. Holding the pen on the list opens the menu too.
 // Try it: scripts/in-phone tyx bus send TYX/Application/hello "greet(QString)" qstring:You
 #include <QEvent>
 #include <QLineEdit>
@@ -33,6 +33,10 @@ public:
         m_menu.addSeparator();
         m_menu.addAction(&m_exit);
         m_options.setMenu(&m_menu);
+        ZApplication::setMouseMode(&m_log, ZApplication::MouseMode::PressHold);
+        m_log.setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(&m_log, &QWidget::customContextMenuRequested, &m_menu,
+            [this](const QPoint &position) { m_menu.popup(m_log.viewport()->mapToGlobal(position)); });
         connect(&m_text, &QLineEdit::returnPressed, this, &Window::say);
         connect(&m_clear, &QAction::triggered, this, &Window::clear);
         connect(&m_greet, &QAction::triggered, this, [this] { tell(text("Hello, phone!")); });
