@@ -66,7 +66,7 @@ constexpr Measure measures[] = {
     {QStyle::PM_CheckBoxLabelSpacing,      6},
     {QStyle::PM_RadioButtonLabelSpacing,   6},
     {QStyle::PM_ScrollBarExtent,           kScrollBar},
-    {QStyle::PM_ScrollBarSliderMin,        24},
+    {QStyle::PM_ScrollBarSliderMin,        kScrollHandle},
     {QStyle::PM_ScrollView_ScrollBarSpacing, 0},
     {QStyle::PM_SliderLength,              kSliderHandle},
     {QStyle::PM_SliderThickness,           kSliderHandle + 2},
@@ -98,7 +98,7 @@ QSize menuItemSize(const QStyleOptionMenuItem &item)
     if (item.menuItemType == QStyleOptionMenuItem::Separator)
         return {1, 7};
     const QFontMetrics metrics(item.font);
-    int width = 2 * kMenuIndent + metrics.horizontalAdvance(item.text.section(u'\t', 0, 0).remove(u'&'));
+    int width = 2 * kMenuIndent + metrics.size(Qt::TextShowMnemonic, item.text.section(u'\t', 0, 0)).width();
     if (item.menuHasCheckableItems || item.maxIconWidth > 0)
         width += kMenuIndicator;
     if (item.menuItemType == QStyleOptionMenuItem::SubMenu)
@@ -139,10 +139,10 @@ QRect scrollBarRect(const QStyleOptionSlider &bar, QStyle::SubControl part)
     const bool horizontal = bar.orientation == Qt::Horizontal;
     const int length = horizontal ? bar.rect.width() : bar.rect.height();
     const qint64 range = qint64(bar.maximum) - bar.minimum;
+    const qint64 page = std::max(bar.pageStep, 0);
     int handle = length;
     if (range > 0)
-        handle = int(std::max<qint64>(length * qint64(bar.pageStep) / (range + bar.pageStep), 24));
-    handle = std::min(handle, length);
+        handle = std::min(length, std::max(int(length * page / (range + page)), kScrollHandle));
     const int start =
         QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, length - handle, bar.upsideDown);
     const auto span = [&](int from, int size) {

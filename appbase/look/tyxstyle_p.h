@@ -15,6 +15,7 @@ inline constexpr int kMessageIcon = 32;
 inline constexpr int kRowHeight = 22; // of lists
 inline constexpr int kIndicator = 16; // check boxes and radio buttons
 inline constexpr int kScrollBar = 7;
+inline constexpr int kScrollHandle = 24; // at least this long
 inline constexpr int kSliderHandle = 18;
 inline constexpr int kSliderGroove = 4;
 inline constexpr int kMenuIndent = 12;

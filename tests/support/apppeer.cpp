@@ -2,6 +2,8 @@
 // With the argument "keep" it asked to survive the end of the application manager, and tells an orderly end by status
 // 5; with "tell" it prints what it hears.
 #include <QCoreApplication>
+#include <QEvent>
+#include <QWidget>
 #include <ZApplication>
 #include <cstdio>
 #include <cstring>
@@ -15,6 +17,16 @@ void print(const char *what, const QByteArray &text)
     std::printf("%s %s\n", what, text.constData());
     std::fflush(stdout);
 }
+
+// Tells the toolkit's own word for it whenever the language changes.
+class Cancel : public QWidget {
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        if (event->type() == QEvent::LanguageChange)
+            print("language", QCoreApplication::translate("QPlatformTheme", "Cancel").toUtf8());
+    }
+};
 
 void tell(ZApplication &app)
 {
@@ -41,6 +53,7 @@ int main(int argc, char **argv)
         DisableAMClosedRestart();
     if (std::strcmp(mode, "tell") == 0)
         tell(app);
+    const Cancel cancel;
     std::puts("ready");
     std::fflush(stdout);
     const int result = ZApplication::exec();

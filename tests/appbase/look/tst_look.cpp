@@ -3,15 +3,13 @@
 #include "appbase/look/phonefonts.h"
 #include "appbase/look/phonepalette.h"
 #include "appbase/look/textsize.h"
-#include "tests/support/testfiles.h"
+#include "tests/support/standarderror.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFontDatabase>
 #include <QTest>
 #include <QWidget>
-#include <fcntl.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -31,30 +29,6 @@ QStringList told(const FontDefinitions &definitions)
     return lines;
 }
 
-// What this process says there, as long as this lives.
-class StandardError {
-public:
-    StandardError()
-        : m_kept(::dup(STDERR_FILENO)), m_file(::open("/tmp/stderr", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600))
-    {
-        ::dup2(m_file, STDERR_FILENO);
-    }
-    ~StandardError()
-    {
-        ::dup2(m_kept, STDERR_FILENO);
-        ::close(m_kept);
-        ::close(m_file);
-    }
-    StandardError(const StandardError &) = delete;
-    StandardError &operator=(const StandardError &) = delete;
-
-    static QByteArray take() { return content(u"/tmp/stderr"_s); }
-
-private:
-    const int m_kept;
-    const int m_file;
-};
-
 const QByteArray kSans = "DejaVu_Sans /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf FT n 50 0 -\n";
 
 }
@@ -65,14 +39,11 @@ class TstLook : public QObject {
 private Q_SLOTS:
     void fontDefinitions_data();
     void fontDefinitions();
-    void foreignFilesAreToldBriefly();
     void whichFileIsUsed_data();
     void whichFileIsUsed();
-    void fontsOfFixedSizes_data();
-    void fontsOfFixedSizes();
+    void ofFixedSizesTheNearestIsTaken();
     void palettes_data();
     void palettes();
-    void textSizes_data();
     void textSizes();
 };
 
@@ -104,14 +75,6 @@ void TstLook::fontDefinitions()
 {
     QFETCH(QByteArray, text);
     QTEST(told(parseFontDefinitions(text)), "expected");
-}
-
-void TstLook::foreignFilesAreToldBriefly()
-{
-    const QByteArray text = QByteArray("x\n").repeated(5000) + "Sans s FT n 50 0 -";
-    const FontDefinitions definitions = parseFontDefinitions(text);
-    QCOMPARE(definitions.complaints.size(), kMaxComplaints);
-    QCOMPARE(definitions.fonts.size(), 1);
 }
 
 void TstLook::whichFileIsUsed_data()
@@ -152,27 +115,19 @@ void TstLook::whichFileIsUsed()
     QCOMPARE(fonts.font(TextSize::Large).family(), family.isEmpty() ? QFont().family() : family);
     QCOMPARE(fonts.font(TextSize::Large).pointSizeF(), 12.0);
     QWidget().ensurePolished();
-    QTEST(error.take(), "message");
+    QTEST(StandardError::text(), "message");
 }
 
-void TstLook::fontsOfFixedSizes_data()
+void TstLook::ofFixedSizesTheNearestIsTaken()
 {
-    QTest::addColumn<int>("size");
-    QTest::addColumn<double>("points");
-    QTest::newRow("small") << int(TextSize::Small) << 7.0;
-    QTest::newRow("normal") << int(TextSize::Normal) << 10.0;
-    QTest::newRow("large") << int(TextSize::Large) << 14.0;
-}
-
-void TstLook::fontsOfFixedSizes()
-{
-    QFETCH(int, size);
     fill(u"/tmp/f/fontdef.cfg"_s,
         "Fixed 7.bdf FT n 50 70 -\nFixed 14.bdf FT n 50 140 -\nFixed bold.bdf FT n 75 90 -\nFixed 10.bdf FT n 50 100 "
         "-\n");
     PhoneFonts fonts;
     fonts.read();
-    QTEST(fonts.font(TextSize(size)).pointSizeF(), "points");
+    QCOMPARE(fonts.font(TextSize::Small).pointSizeF(), 7.0);
+    QCOMPARE(fonts.font(TextSize::Normal).pointSizeF(), 10.0);
+    QCOMPARE(fonts.font(TextSize::Large).pointSizeF(), 14.0);
 }
 
 void TstLook::palettes_data()
@@ -204,19 +159,12 @@ void TstLook::palettes()
     QTEST(palette.color(QPalette::Text).name(), "text");
 }
 
-void TstLook::textSizes_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<int>("size");
-    for (const char *value : {"0", "1", "2", "", "3", "-1", "x", "2x", "4294967296"})
-        QTest::newRow(value) << QByteArray(value) << (value == QByteArray("0") ? 0 : value == QByteArray("2") ? 2 : 1);
-}
-
 void TstLook::textSizes()
 {
-    QFETCH(QByteArray, value);
-    fill(u"/tmp/tyx_system.cfg"_s, "[SYS_SYSTEM_SET]\nTextSize = " + value + '\n');
-    QTEST(int(currentTextSize()), "size");
+    for (const char *value : {"0", "1", "2", "", "3", "-1", "x", "2x", "4294967296"}) {
+        fill(u"/tmp/tyx_system.cfg"_s, QByteArray("[SYS_SYSTEM_SET]\nTextSize = ") + value + '\n');
+        QCOMPARE(int(currentTextSize()), qstrcmp(value, "0") == 0 ? 0 : qstrcmp(value, "2") == 0 ? 2 : 1);
+    }
 }
 
 QTEST_MAIN(TstLook)
