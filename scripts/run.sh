@@ -53,6 +53,6 @@ start phone-session
 echo "pictures: $phone/pictures"
 if $refresh; then
   mkdir -p "$project/docs/pictures"
-  cp "$phone"/pictures/{1-start,3-menu,5-doodle}.png "$project/docs/pictures/"
+  cp "$phone"/pictures/{1-start,3-menu,6-doodle}.png "$project/docs/pictures/"
   echo "copied into docs/pictures: look at them, then commit"
 fi
