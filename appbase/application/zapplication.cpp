@@ -22,8 +22,11 @@ QString withoutFolders(const char *program)
 }
 
 ZApplicationData::ZApplicationData(ZApplication &application, const char *program)
-    : name(withoutFolders(program)), theme(themePaths()), input(application),
-      inputClient(applicationChannel(name.toLocal8Bit())), m_application(application)
+    : name(withoutFolders(program))
+    , theme(themePaths())
+    , input(application)
+    , inputClient(applicationChannel(name.toLocal8Bit()))
+    , m_application(application)
 {
 }
 
