@@ -6,6 +6,7 @@
 #include "guiserver/terminationsignals.h"
 #include "platform/system/keyfile.h"
 #include "platform/window/qwsserver.h"
+#include "settings/files/setup_utility.h"
 
 #include <CLI/CLI.hpp>
 #include <QWidget>
@@ -63,6 +64,7 @@ int main(int argc, char **argv)
 {
     if (const auto status = checkArguments(argc, argv))
         return *status;
+    SETUP_Utility::setupInitialize(); // what failed has told so, and the phone runs without it
     holdTerminationSignals();
     makeKeyFiles();
     ZApplication application(argc, argv, ZApplication::GuiServer);

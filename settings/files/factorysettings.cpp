@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 #include <cstring>
 
@@ -119,7 +120,7 @@ bool takeOver(const Delivery &delivery, const QString &directory)
 QStringList writableDirectories()
 {
     QStringList directories{ZConfig::initSettingDirectory()};
-    if (directories.first() != kHandsetDirectory && QDir(kHandsetDirectory + QStringLiteral("..")).exists()
+    if (directories.first() != kHandsetDirectory && QDir(QFileInfo(kHandsetDirectory.chopped(1)).path()).exists()
         && QDir().mkpath(kHandsetDirectory))
         directories += kHandsetDirectory;
     return directories;
