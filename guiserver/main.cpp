@@ -1,10 +1,10 @@
 // The phone's GUI server.
 #include "appbase/application/zapplication.h"
 #include "guiserver/farewell.h"
+#include "guiserver/keyfiles.h"
 #include "guiserver/screenservice.h"
 #include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
-#include "platform/system/keyfile.h"
 #include "platform/window/qwsserver.h"
 #include "settings/files/setup_utility.h"
 
@@ -37,16 +37,6 @@ std::optional<int> checkArguments(int argc, char **argv)
         return program.exit(error) == 0 ? 0 : 2;
     }
     return std::nullopt;
-}
-
-// Whoever opens a System V object of these looks for the file, and none of them may have to make it.
-void makeKeyFiles()
-{
-    for (const char *path : {"/tmp/key_testcommand", "/tmp/touch_sound_msg"}) {
-        if (const auto made = platform::makeKeyFile(path); !made)
-            std::fprintf(stderr, "tyx-guiserver: cannot make the key file %s: %s; remove what is there\n", path,
-                qPrintable(made.error().text()));
-    }
 }
 
 void announce()

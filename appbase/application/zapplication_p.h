@@ -5,6 +5,7 @@
 #include "appbase/application/inputclient.h"
 #include "appbase/application/inputfilters.h"
 #include "appbase/application/phonestatus.h"
+#include "appbase/application/serverstatus.h"
 #include "appbase/application/strings.h"
 #include "appbase/application/themepaths.h"
 #include "appbase/application/windoworders.h"
@@ -18,6 +19,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <optional>
 
 class ZApplication;
 
@@ -70,6 +72,7 @@ public:
     WindowsByUse windowsByUse; // in the GUI server, like the next
     SoundInfo hardKeySound = hardKeySoundInfo();
     InputClient inputClient;
+    std::optional<ServerStatus> serverStatus; // of the GUI server
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);

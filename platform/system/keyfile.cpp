@@ -17,10 +17,13 @@ bool isOrdinary(const struct stat &status) { return S_ISREG(status.st_mode); }
 
 Result<> makeKeyFile(const char *path)
 {
-    constexpr mode_t kMode = 0644; // nobody has to read it: the key is made of its number
+    constexpr mode_t kMode = 0666;
     const auto made = Fd::open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, kMode);
-    if (made)
+    if (made) {
+        if (::fchmod(made->get(), kMode) != 0) // whatever the umask
+            return failed("fchmod");
         return {};
+    }
     struct stat status = {};
     if (made.error().number != EEXIST || ::lstat(path, &status) != 0 || !isOrdinary(status))
         return tl::make_unexpected(made.error());

@@ -8,7 +8,8 @@
 
 namespace platform {
 
-// Makes the file unless it is there already. EEXIST when something is there that is no ordinary file, a link included.
+// Makes the file unless it is there already; everybody may write to it (0666), since programs of all users touch the
+// one of the status table. EEXIST when something is there that is no ordinary file, a link included.
 TYX_EXPORT Result<> makeKeyFile(const char *path);
 
 // As ipcKey(), but follows no link and accepts ordinary files only (EINVAL).

@@ -29,13 +29,13 @@ void fill(SoundInfo *info, Array<quint32, 2> field)
     if (!info)
         return;
     const auto [style, volume] = read(field);
-    *info = {style, volume};
+    *info = {qint32(style), qint32(volume)};
 }
 
 void store(Array<quint32, 2> field, const SoundInfo *info)
 {
     if (info)
-        write(field, {info->style, info->volume});
+        write(field, {quint32(info->style), quint32(info->volume)});
 }
 
 }

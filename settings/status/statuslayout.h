@@ -290,6 +290,10 @@ template <typename T, std::size_t N> constexpr std::array<T, N> valueOf(const Sy
 }
 
 // Up to its NUL; a text without one ends with its field. Valid as long as the copy.
-std::string_view valueOf(const SystemTableCopy &copy, Text field);
+inline std::string_view valueOf(const SystemTableCopy &copy, Text field)
+{
+    const std::string_view characters(reinterpret_cast<const char *>(copy.bytes) + field.offset, field.size - 1U);
+    return characters.substr(0, characters.find('\0'));
+}
 
 }

@@ -195,11 +195,6 @@ platform::Result<> writeBytes(const Row &row, std::span<const quint8> bytes)
     });
 }
 
-std::string_view valueOf(const SystemTableCopy &copy, Text field)
-{
-    return {reinterpret_cast<const char *>(copy.bytes) + field.offset, textLength(copy.bytes, field)};
-}
-
 }
 
 bool UTIL_CopySystemTable(SystemTableCopy *copy)

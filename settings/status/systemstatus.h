@@ -26,8 +26,8 @@ static_assert(sizeof(ThemeInfo) == 804);
 
 // The sound that a touch or a key makes.
 struct SoundInfo {
-    quint32 style;
-    quint32 volume;
+    qint32 style;
+    qint32 volume;
 };
 
 // All of the table in one access, as other processes see its bytes.
