@@ -1,5 +1,6 @@
 #include "guiserver/statusbar.h"
 
+#include "guiserver/statusicons.h"
 #include "platform/window/qwsserver.h"
 
 #include <QPainter>
@@ -8,8 +9,31 @@
 namespace {
 
 constexpr int kMargin = 6; // pixels left and right of the texts
+constexpr int kGap = 4; // pixels between signs
 
 QString timeOfDay() { return QTime::currentTime().toString(QStringLiteral("HH:mm")); }
+
+QString titleInFront()
+{
+    const QWSWindow *window = QWSServer::instance()->activeWindow();
+    return window ? window->caption() : QString();
+}
+
+// Shares the room: the operator leaves the title what it needs, as far as half of the room is left for itself.
+void drawTexts(QPainter &painter, QRect room, const StatusContent &content)
+{
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int forTitle = content.title.isEmpty() ? 0 : metrics.horizontalAdvance(content.title) + kMargin;
+    const int most = std::max(room.width() / 2, room.width() - forTitle);
+    const QString network = metrics.elidedText(content.operatorName, Qt::ElideRight, most);
+    painter.setPen(QColor(0xffb8c6d4));
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter, network);
+    if (!network.isEmpty())
+        room.setLeft(room.left() + metrics.horizontalAdvance(network) + kMargin);
+    painter.setPen(Qt::white);
+    painter.drawText(
+        room, Qt::AlignLeft | Qt::AlignVCenter, metrics.elidedText(content.title, Qt::ElideRight, room.width()));
+}
 
 }
 
@@ -17,18 +41,21 @@ StatusBar::StatusBar(QWidget *screen) : QWidget(screen)
 {
     setGeometry(0, 0, screen->width(), kHeight);
     setAttribute(Qt::WA_OpaquePaintEvent);
-    connect(QWSServer::instance(), &QWSServer::windowEvent, this, &StatusBar::followActiveWindow);
+    connect(QWSServer::instance(), &QWSServer::windowEvent, this, &StatusBar::refresh);
+    connect(&m_watcher, &SystemStatusWatcher::changed, this, &StatusBar::refresh);
+    refresh();
     waitForNextMinute();
     show();
 }
 
-void StatusBar::followActiveWindow()
+void StatusBar::refresh()
 {
-    const QWSWindow *window = QWSServer::instance()->activeWindow();
-    const QString title = window ? window->caption() : QString();
-    if (title == m_title)
+    StatusContent content = contentOf(m_watcher.current());
+    content.title = titleInFront();
+    content.time = timeOfDay();
+    if (content == m_content)
         return;
-    m_title = title;
+    m_content = content;
     update();
 }
 
@@ -42,13 +69,33 @@ void StatusBar::waitForNextMinute()
 void StatusBar::timerEvent(QTimerEvent * /*event*/)
 {
     waitForNextMinute();
-    update();
+    refresh();
 }
 
 void StatusBar::mousePressEvent(QMouseEvent * /*event*/)
 {
     if (QWSWindow *window = QWSServer::instance()->activeWindow())
         window->lower();
+}
+
+int StatusBar::drawSigns(QPainter &painter, int right) const
+{
+    using icons::Sign;
+    const int top = (height() - icons::kHeight) / 2;
+    right -= icons::kBatteryWidth;
+    icons::drawBattery(painter, QPoint(right, top), m_content.batteryPercent, m_content.charging);
+    const auto sign = [&](bool shown, Sign which) {
+        if (!shown)
+            return;
+        right -= icons::width(which) + kGap;
+        icons::draw(painter, QPoint(right, top), which);
+    };
+    sign(m_content.call == StatusContent::Call::Up, Sign::Call);
+    sign(m_content.call == StatusContent::Call::Incoming, Sign::IncomingCall);
+    sign(m_content.locked, Sign::Lock);
+    sign(m_content.headset, Sign::Headset);
+    sign(m_content.roaming, Sign::Roaming);
+    return right;
 }
 
 void StatusBar::paintEvent(QPaintEvent * /*event*/)
@@ -58,10 +105,12 @@ void StatusBar::paintEvent(QPaintEvent * /*event*/)
     ground.setColorAt(0, QColor(0xff3a4a5c));
     ground.setColorAt(1, QColor(0xff1d2731));
     painter.fillRect(rect(), ground);
+    QRect room = rect().adjusted(kMargin, 0, -kMargin, 0);
+    icons::drawSignal(painter, QPoint(room.left(), (height() - icons::kHeight) / 2), m_content.signalBars);
     painter.setPen(Qt::white);
-    const QRect inside = rect().adjusted(kMargin, 0, -kMargin, 0);
-    const QString time = timeOfDay();
-    painter.drawText(inside, Qt::AlignRight | Qt::AlignVCenter, time);
-    const int room = inside.width() - fontMetrics().horizontalAdvance(time) - kMargin;
-    painter.drawText(inside, Qt::AlignLeft | Qt::AlignVCenter, fontMetrics().elidedText(m_title, Qt::ElideRight, room));
+    painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter, m_content.time);
+    const int clock = room.right() - fontMetrics().horizontalAdvance(m_content.time);
+    room.setLeft(room.left() + icons::kSignalWidth + kMargin);
+    room.setRight(drawSigns(painter, clock - kMargin) - kMargin);
+    drawTexts(painter, room, m_content);
 }

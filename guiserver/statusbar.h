@@ -1,8 +1,13 @@
-// The bar along the top of the screen: what is in front, and the time.
+// The bar along the top of the screen: the phone's state, what is in front, and the time.
 #pragma once
+
+#include "guiserver/statuscontent.h"
+#include "settings/status/systemstatuswatcher.h"
 
 #include <QBasicTimer>
 #include <QWidget>
+
+class QPainter;
 
 class StatusBar : public QWidget {
     Q_OBJECT
@@ -10,7 +15,8 @@ class StatusBar : public QWidget {
 public:
     static constexpr int kHeight = 20; // pixels; the work area begins below
 
-    // A child of the window server's screen. Follows the window that has the focus.
+    // A child of the window server's screen. Follows the status table and the window that has the focus; is painted
+    // anew only when something that it shows is different.
     explicit StatusBar(QWidget *screen);
 
 protected:
@@ -19,9 +25,11 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
-    void followActiveWindow();
+    void refresh();
     void waitForNextMinute();
+    int drawSigns(QPainter &painter, int right) const; // their left edge
 
-    QString m_title;
+    StatusContent m_content;
+    SystemStatusWatcher m_watcher;
     QBasicTimer m_minute;
 };
