@@ -93,7 +93,7 @@ void ZApplicationData::onFocusLatestWindow(const QByteArray &arguments)
         setFocusToLatestWindow(except);
 }
 
-void ZApplicationData::setFocusToLatestWindow(int except) { windoworders::focusLatest(except); }
+void ZApplicationData::setFocusToLatestWindow(int except) { windoworders::focusLatest(windowsByUse.ids(), except); }
 
 // In the application. What the application is told of comes last: it may destroy windows, or quit.
 

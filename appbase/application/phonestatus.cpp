@@ -1,8 +1,17 @@
 #include "appbase/application/phonestatus.h"
 
-// FIXME: the status table of the phone is missing; these are the answers of a phone that was never set up.
-SoundInfo touchPanelSoundInfo() { return {2, 7}; }
+SoundInfo touchPanelSoundInfo()
+{
+    SoundInfo info;
+    UTIL_GetTPSoundInfo(&info);
+    return info;
+}
 
-SoundInfo hardKeySoundInfo() { return {2, 7}; }
+SoundInfo hardKeySoundInfo()
+{
+    SoundInfo info;
+    UTIL_GetHKSoundInfo(&info);
+    return info;
+}
 
-bool callComesIn() { return false; }
+bool callComesIn() { return UTIL_GetIncomingCallStatus(); }

@@ -1,8 +1,9 @@
-// What the input filters ask about the phone, in one place.
+// What the input filters ask about the phone, in one place; the answers come from the status table.
 #pragma once
 
-#include "appbase/application/soundinfo.h"
+#include "settings/status/systemstatus.h"
 
+// Silence when there is no table.
 SoundInfo touchPanelSoundInfo();
 SoundInfo hardKeySoundInfo();
 

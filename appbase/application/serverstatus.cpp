@@ -1,9 +1,18 @@
 #include "appbase/application/serverstatus.h"
 
 #include "appbase/config/zconfig.h"
+#include "settings/files/setup_utility.h"
+#include "settings/files/util_themeinterface.h"
 #include "settings/status/systemstatus.h"
 
 namespace {
+
+void handOverTheme()
+{
+    ThemeInfo theme;
+    UTIL_ThemeInterface::getThemeInfo(theme);
+    UTIL_SetThemeInfo(&theme);
+}
 
 // Both kinds of sound have the volume of the system.
 void handOverSounds()
@@ -19,6 +28,29 @@ void handOverSounds()
     UTIL_SetHKSoundInfo(&hardKeys);
 }
 
+void handOver(bool (*get)(int &), void (*set)(quint32))
+{
+    int percent = 0;
+    get(percent);
+    set(quint32(percent));
+}
+
+void handOverBlending()
+{
+    using S = SETUP_Utility;
+    bool transparent = true;
+    S::getWallpaperTransparency(transparent);
+    UTIL_SetTransparency(transparent);
+    unsigned color = 0;
+    S::getBlendingColor(color);
+    UTIL_SetBlendingColor(color);
+    handOver(S::getBlendingPercentage, UTIL_SetBlendingPercentage);
+    handOver(S::getBlendingCST, UTIL_SetBlendingCST);
+    handOver(S::getBlendingGNB, UTIL_SetBlendingGNB);
+    handOver(S::getBlendingStatusBar, UTIL_SetBlendingStatusBar);
+    handOver(S::getBlendingScrollBar, UTIL_SetBlendingScrollBar);
+}
+
 }
 
 ServerStatus::ServerStatus()
@@ -26,11 +58,17 @@ ServerStatus::ServerStatus()
     UTIL_CreateSystemStatusTable();
     UTIL_InitSystemTable();
     UTIL_CreateApplicationManagerStatusTable();
-    handOverSounds();
 }
 
 ServerStatus::~ServerStatus()
 {
     UTIL_ReleaseApplicationManagerStatusTable();
     UTIL_ReleaseSystemTable();
+}
+
+void handOverSettings()
+{
+    handOverTheme();
+    handOverSounds();
+    handOverBlending();
 }

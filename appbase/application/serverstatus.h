@@ -1,8 +1,8 @@
 // The GUI server's part in the phone's status tables.
 #pragma once
 
-// Makes both tables and stores what the server knows when it starts: the initial values and the sounds of touch panel
-// and hard keys. They are gone for all processes when the object is. Part of the server's application object.
+// Makes both tables, with the initial values. They are gone for all processes when the object is. Part of the server's
+// application object.
 class ServerStatus {
 public:
     ServerStatus();
@@ -10,3 +10,6 @@ public:
     ServerStatus(const ServerStatus &) = delete;
     ServerStatus &operator=(const ServerStatus &) = delete;
 };
+
+// Stores what the settings say about theme, sounds and blending in the table.
+void handOverSettings();

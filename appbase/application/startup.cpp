@@ -1,21 +1,40 @@
 // What an application object does when it is made, step by step, and what of it can be done again later.
+#include "appbase/application/keytouchpanelevent.h"
 #include "appbase/application/language.h"
+#include "appbase/application/testcapturehandler.h"
 #include "appbase/application/zapplication.h"
 #include "appbase/application/zapplication_p.h"
 #include "appbase/look/phonepalette.h"
 #include "appbase/look/textsize.h"
 #include "appbase/look/tyxstyle.h"
 #include "appbase/look/tyxwsdecoration.h"
+#include "platform/system/fatal.h"
 
 #include <cstdio>
 
+namespace {
+
+// What only the GUI server does, before anything of the application object looks into the status table.
+std::unique_ptr<ServerStatus> beginServer(QObject &owner)
+{
+    auto status = std::make_unique<ServerStatus>();
+    UTIL_KeyTouchPanelEvent::instance();
+    if (platform::isFlexBitSet())
+        new QTestCaptureHandler(&owner);
+    handOverSettings();
+    return status;
+}
+
+}
+
 // The order is part of the interface: a channel is open before waiting messages are looked for, the environment is set
 // before anything reads it, and the channel of the process says that the application is ready.
-ZApplication::ZApplication(int &argc, char **argv, Type type)
-    : QWSApplication(argc, argv, type), d(std::make_unique<ZApplicationData>(*this, argc > 0 ? argv[0] : ""))
+ZApplication::ZApplication(int &argc, char **argv, Type type) : QWSApplication(argc, argv, type)
 {
+    std::unique_ptr<ServerStatus> serverStatus = type == GuiServer ? beginServer(*this) : nullptr;
+    d = std::make_unique<ZApplicationData>(*this, argc > 0 ? argv[0] : "");
+    d->serverStatus = std::move(serverStatus);
     if (type == GuiServer) {
-        d->openServerInput();
         d->open("TYX/QtServer", &ZApplicationData::slotServerMessage);
         d->followWindowServer();
     }

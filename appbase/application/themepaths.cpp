@@ -1,5 +1,7 @@
 #include "appbase/application/themepaths.h"
 
+#include "settings/status/systemstatus.h"
+
 #include <QFile>
 
 namespace {
@@ -15,7 +17,15 @@ void publish(const char *variable, const QString &path)
 
 }
 
-ThemePaths themePaths() { return {QFile::decodeName(qgetenv(kSkinFile)), QFile::decodeName(qgetenv(kIconPath))}; }
+ThemePaths themePaths()
+{
+    ThemeInfo theme;
+    UTIL_GetThemeInfo(&theme);
+    const auto path = [&](int text, const char *variable) {
+        return QFile::decodeName(theme.texts[text][0] != 0 ? QByteArray(theme.texts[text]) : qgetenv(variable));
+    };
+    return {path(0, kSkinFile), path(1, kIconPath)};
+}
 
 void publishThemePaths(const ThemePaths &paths)
 {

@@ -15,5 +15,5 @@ const char *touchSoundFile(quint32 style)
 void TouchSound::play()
 {
     if (const char *file = touchSoundFile(m_info.style))
-        m_queue.send({m_info.style, m_info.volume, file});
+        m_queue.send({quint32(m_info.style), quint32(m_info.volume), file});
 }

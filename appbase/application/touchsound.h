@@ -1,8 +1,8 @@
 // The sound of the pen on the screen.
 #pragma once
 
-#include "appbase/application/soundinfo.h"
 #include "appbase/messaging/soundqueue.h"
+#include "settings/status/systemstatus.h"
 
 // What each style plays; null for silence, which every other number means too.
 const char *touchSoundFile(quint32 style);

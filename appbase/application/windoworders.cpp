@@ -139,10 +139,21 @@ void windoworders::give(int operation, const QString &application)
     }
 }
 
-void windoworders::focusLatest(int except)
+void windoworders::focusLatest(const QList<int> &byUse, int except)
 {
-    if (const QWSServer *server = QWSServer::instance())
-        focusFirst(server->clientWindows(), except);
+    const QWSServer *server = QWSServer::instance();
+    if (!server)
+        return;
+    QList<QWSWindow *> windows; // those that never had the focus come last, the frontmost first
+    for (const int id : byUse) {
+        if (QWSWindow *window = server->window(id))
+            windows.append(window);
+    }
+    for (QWSWindow *window : server->clientWindows()) {
+        if (!windows.contains(window))
+            windows.append(window);
+    }
+    focusFirst(windows, except);
 }
 
 void WindowOrders::obey(int operation, const QValueList<int> &windows)

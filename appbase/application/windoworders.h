@@ -15,8 +15,9 @@ namespace windoworders {
 // application can do it is told by message. An unknown operation or application is ignored.
 void give(int operation, const QString &application);
 
-// The frontmost window that takes the focus gets it; `except` is an identifier of a window that must not.
-void focusLatest(int except);
+// The window that was used last and takes the focus gets it: `byUse` are identifiers, the last used first. `except` is
+// the identifier of a window that must not.
+void focusLatest(const QList<int> &byUse, int except);
 
 }
 

@@ -1,10 +1,7 @@
 // What the GUI server's application object keeps of its window server.
 #include "appbase/application/windowsbyuse.h"
 
-#include "appbase/application/keytouchpanelevent.h"
-#include "appbase/application/testcapturehandler.h"
 #include "appbase/application/zapplication_p.h"
-#include "platform/system/fatal.h"
 
 #include <QWidget>
 
@@ -15,13 +12,6 @@ void WindowsByUse::note(int window, QWSServer::WindowEvent event)
     m_ids.removeOne(window);
     if (event == QWSServer::Active)
         m_ids.prepend(window);
-}
-
-void ZApplicationData::openServerInput()
-{
-    UTIL_KeyTouchPanelEvent::instance();
-    if (platform::isFlexBitSet())
-        new QTestCaptureHandler(this);
 }
 
 void ZApplicationData::followWindowServer()

@@ -19,7 +19,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
-#include <optional>
+#include <memory>
 
 class ZApplication;
 
@@ -42,8 +42,7 @@ public:
     void getMsgs(const QString &waitingFor);
     void enqueueMsg(const queue::Record &record);
 
-    void openServerInput(); // these two in the GUI server
-    void followWindowServer();
+    void followWindowServer(); // in the GUI server
     void updateWindowInfo(QWSWindow *window, QWSServer::WindowEvent event);
     void slotCursorSelected(QWSCursor *cursor);
 
@@ -72,7 +71,7 @@ public:
     WindowsByUse windowsByUse; // in the GUI server, like the next
     SoundInfo hardKeySound = hardKeySoundInfo();
     InputClient inputClient;
-    std::optional<ServerStatus> serverStatus; // of the GUI server
+    std::unique_ptr<ServerStatus> serverStatus; // of the GUI server
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);

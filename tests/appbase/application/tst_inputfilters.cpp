@@ -6,6 +6,7 @@
 #include "appbase/messaging/wire.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/system/keyfile.h"
+#include "settings/status/systemstatus.h"
 #include "tests/support/peerprocess.h"
 
 #include <QLabel>
@@ -173,6 +174,14 @@ void TstInputFilters::thePenSoundsOnceEachTimeItGoesDown()
     QVERIFY(QTest::qWaitForWindowActive(&window));
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton); // nobody plays sounds yet
     QVERIFY(platform::makeKeyFile(SoundQueue::kKeyFile));
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton); // and nobody set any
+    QVERIFY(platform::makeKeyFile("/tmp/key_testcommand"));
+    UTIL_CreateSystemStatusTable();
+    UTIL_InitSystemTable();
+    QSignalSpy told(ZApplication::instance(), &ZApplication::systemMessage);
+    QVERIFY(QCopChannel::send("TYX/System", "updateTouchPanelSoundInfo()"));
+    QVERIFY(QCopChannel::send("TYX/System", "told"));
+    QTRY_COMPARE(told.size(), 1);
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton);
     QTest::mouseClick(window.windowHandle(), Qt::RightButton);
     SoundQueue queue;

@@ -1,6 +1,7 @@
 // A window server in the test's own process, and real clients that the test leads.
 #pragma once
 
+#include "platform/system/keyfile.h"
 #include "platform/window/qwsapplication.h"
 #include "platform/window/qwsserver.h"
 
@@ -102,6 +103,7 @@ template <typename Test, typename Application = QWSApplication> int runOnServer(
     arguments.push_back(platform);
     arguments.push_back(nullptr);
     int count = argc + 1;
+    platform::makeKeyFile("/tmp/key_testcommand").value(); // as the server's program does, for the status table
     Application application(count, arguments.data(), QWSApplication::GuiServer);
     QWSApplication::setQuitOnLastWindowClosed(false);
     server().setWorkArea(kWorkArea);

@@ -4,6 +4,7 @@
 #include "settings/files/setup_set_manager.h"
 #include "settings/files/setup_utility.h"
 #include "settings/files/util_themeinterface.h"
+#include "settings/status/systemstatus.h"
 #include "tests/support/testfiles.h"
 
 #include <QDir>
@@ -317,15 +318,20 @@ void TstSettingsFiles::flexBits()
 
 void TstSettingsFiles::theTheme()
 {
-    ThemeFiles info;
+    ThemeInfo info;
     QVERIFY(UTIL_ThemeInterface::getThemeInfo(info));
-    QCOMPARE(info.numbers, (std::array{0, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 1}));
-    QVERIFY(info.skinFile.isEmpty());
+    QCOMPARE(std::to_array(info.numbers),
+        (std::array<quint32, 9>{0, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 1}));
+    QCOMPARE(info.texts[0], "");
     fill(u"/tmp/tyx_theme.cfg"_s,
-        "[THEME_CONFIG_TABLE]\nThemeId=3\nThemeColor7=255\nThemeStyle=2\nThemeSkinFile=/s\nThemeIconPath=/i\n");
+        "[THEME_CONFIG_TABLE]\nThemeId=3\nThemeColor7=255\nThemeStyle=2\nThemeSkinFile=/s\nThemeIconPath=/"
+        "i\nThemeSoundPath=/"
+            + QByteArray(255, 'x') + '\n');
     QVERIFY(UTIL_ThemeInterface::getThemeInfo(info));
     QVERIFY(info.numbers[0] == 3 && info.numbers[7] == 255 && info.numbers[8] == 2);
-    QVERIFY(info.skinFile == u"/s"_s && info.iconPath == u"/i"_s && info.soundPath.isEmpty());
+    QCOMPARE(info.texts[0], "/s");
+    QCOMPARE(info.texts[1], "/i");
+    QCOMPARE(info.texts[2], "");
 }
 
 void TstSettingsFiles::defaultsFollowTheLanguageDirectory()
