@@ -64,7 +64,6 @@ class TstInputFilters : public QObject {
 
 private Q_SLOTS:
     void virtualFunctionsKeepTheirPlaces();
-    void eachHardKeyHasItsMessage_data();
     void eachHardKeyHasItsMessage();
     void hardKeysReachNoWidget();
     void insertedTextIsCommitted();
@@ -85,33 +84,26 @@ void TstInputFilters::virtualFunctionsKeepTheirPlaces()
     QVERIFY(slotOf(&Z::timerEvent) < own[0]);
 }
 
-void TstInputFilters::eachHardKeyHasItsMessage_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::addColumn<QStringList>("sent"); // on press and release, then on both while a call comes in; "" is nothing
-    QTest::newRow("Send") << int(Qt::Key_F6)
-                          << QStringList{u""_s, u"TYX/Phone/ SendKeyRelease"_s, u"/TYX/CLI voice_call_answer"_s, u""_s};
-    QTest::newRow("End") << int(Qt::Key_F7)
-                         << QStringList{
-                                u"/AM/Launcher launchApp"_s, u""_s, u"TYX/CLI_INCOMINGCALL voice_call_reject"_s, u""_s};
-    const QString left = u"/TYX/Volume LKeyPress"_s;
-    const QString right = u"/TYX/Volume RKeyPress"_s;
-    QTest::newRow("left") << int(Qt::Key_F9) << QStringList{left, u""_s, left, u""_s};
-    QTest::newRow("right") << int(Qt::Key_F10) << QStringList{right, u""_s, right, u""_s};
-    QTest::newRow("any other") << int(Qt::Key_F8) << QStringList{u""_s, u""_s, u""_s, u""_s};
-}
-
 void TstInputFilters::eachHardKeyHasItsMessage()
 {
-    QFETCH(int, key);
-    QStringList sent;
-    for (const CallState call : {CallState::Quiet, CallState::ComesIn}) {
-        for (const KeyEdge edge : {KeyEdge::Press, KeyEdge::Release}) {
-            const HardKeyMessage *found = hardKeyMessage(key, edge, call);
-            sent.append(found ? QLatin1String(found->channel) + u' ' + QLatin1String(found->message) : QString());
-        }
+    using enum KeyEdge;
+    using enum CallState;
+    const auto sent = [](int key, KeyEdge edge, CallState call) {
+        const HardKeyMessage *found = hardKeyMessage(key, edge, call);
+        return found ? QByteArray(found->channel) + ' ' + found->message : QByteArray();
+    };
+    QCOMPARE(sent(Qt::Key_F6, Press, ComesIn), "/TYX/CLI voice_call_answer");
+    QCOMPARE(sent(Qt::Key_F7, Press, ComesIn), "TYX/CLI_INCOMINGCALL voice_call_reject");
+    QCOMPARE(sent(Qt::Key_F7, Press, Quiet), "/AM/Launcher launchApp");
+    QCOMPARE(sent(Qt::Key_F6, Release, Quiet), "TYX/Phone/ SendKeyRelease");
+    for (const CallState call : {Quiet, ComesIn}) {
+        QCOMPARE(sent(Qt::Key_F9, Press, call), "/TYX/Volume LKeyPress");
+        QCOMPARE(sent(Qt::Key_F10, Press, call), "/TYX/Volume RKeyPress");
+        for (const int key : {Qt::Key_F7, Qt::Key_F9, Qt::Key_F10})
+            QCOMPARE(sent(key, Release, call), "");
     }
-    QTEST(sent, "sent");
+    QCOMPARE(sent(Qt::Key_F6, Press, Quiet), "");
+    QCOMPARE(sent(Qt::Key_F6, Release, ComesIn), "");
 }
 
 void TstInputFilters::hardKeysReachNoWidget()
