@@ -106,6 +106,10 @@ constexpr KnownMessage kMessages[] = {
     {"/TYX/CLI", "voice_call_answer", "int key", "the user takes the call that comes in"},
     {"TYX/CLI_INCOMINGCALL", "voice_call_reject", "int key", "the user refuses the call that comes in"},
 
+    {"TYX/TestCapture", "key(int,int,int,bool,bool)",
+        "int unicode, int key, int modifiers, bool pressed, bool repeated", "a phone under test delivered a key"},
+    {"TYX/TestCapture", "pen(int,int,int)", "int x, int y, int buttons", "a phone under test delivered the pen"},
+
     {kScreen, "shot(QCString)", "qcstring answerTo", "asks for a picture of the screen"},
     {kScreen, "windows(QCString)", "qcstring answerTo", "asks for the windows"},
     {kScreen, "key(QCString,int,int,int)", "qcstring answerTo, int unicode, int key, int modifiers",
@@ -148,7 +152,7 @@ QString valueText(const Kind &kind, const QJsonValue &value)
 {
     if (value.isNull())
         return QStringLiteral("null");
-    const QString text = value.toString();
+    QString text = value.toString();
     if (kind.name == QLatin1String("bytes") || kind.name == QLatin1String("raw"))
         return u'<' + hexText(QByteArray::fromHex(text.toLatin1())) + u'>';
     if (kind.name == QLatin1String("qstring") || kind.name == QLatin1String("qcstring"))
