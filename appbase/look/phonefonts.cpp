@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QEvent>
 #include <QFontDatabase>
-#include <QSet>
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -73,14 +72,13 @@ bool PhoneFonts::eventFilter(QObject * /*watched*/, QEvent *event)
     return false;
 }
 
-void PhoneFonts::load() const
+void PhoneFonts::load()
 {
-    QSet<QString> done; // a file may stand in many lines, one a size
     for (const FontDefinition &font : m_definitions) {
         const QString path = QDir::cleanPath(QDir(m_directory).absoluteFilePath(font.file));
-        if (done.contains(path) || done.size() == kMaxFiles)
+        if (m_files.contains(path) || m_files.size() == kMaxFiles)
             continue;
-        done.insert(path);
+        m_files.insert(path);
         // Not a FIFO or a device: the toolkit would wait for it.
         if (!QFileInfo(path).isFile() || QFontDatabase::addApplicationFont(path) < 0)
             tell(path, QStringLiteral("is no font that can be loaded"));

@@ -6,6 +6,7 @@
 
 #include <QFont>
 #include <QObject>
+#include <QSet>
 
 // Belongs to the application object. GUI thread only.
 class PhoneFonts : public QObject {
@@ -25,8 +26,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void load() const;
+    void load();
 
     QString m_directory; // with a slash at its end
     QList<FontDefinition> m_definitions;
+    QSet<QString> m_files; // loaded, or tried: a file may stand in many lines, one a size
 };
