@@ -33,5 +33,6 @@ void addScreen(CLI::App &app, int &exit);
 void addBus(CLI::App &app, int &exit);
 void addConfig(CLI::App &app, int &exit);
 void addDoctor(CLI::App &app, int &exit);
+void addStatus(CLI::App &app, int &exit);
 
 }

@@ -4,7 +4,9 @@
 #include <QCoreApplication>
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -41,7 +43,9 @@ int unlessOutputIsLost(int exit)
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication events(argc, argv); // some commands wait for answers
+    std::optional<QCoreApplication> events; // most commands wait for answers
+    if (argc < 2 || argv[1] != std::string_view("status"))
+        events.emplace(argc, argv); // takes longer than to read a field
     CLI::App app("Inspects, drives and tests a phone.", "tyx");
     app.require_subcommand(1);
     app.failure_message(usageError);
@@ -52,6 +56,7 @@ int main(int argc, char **argv)
     tyx::addConfig(app, exit);
     tyx::addQueue(app, exit);
     tyx::addDoctor(app, exit);
+    tyx::addStatus(app, exit);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
