@@ -2,6 +2,7 @@
 // them for programs, `tyx settings` for people, docs/settings.md the list to read.
 #pragma once
 
+#include "platform/tyxexport.h"
 #include "settings/files/settingrow.h"
 #include "settings/files/settingtypes.h"
 
@@ -188,9 +189,9 @@ inline constexpr Setting<bool> phoneLockTimeOut{"lock-timed-out", security, u"Se
 inline constexpr Setting<unsigned> minUnlockCodeLength{"lock-code-length", security, u"SecurityMinUnlockPwdLength", 4,
     "least number of digits of the unlock code", {1, 32}};
 inline constexpr Setting<QStringView> unlockCode{"lock-code", security, u"SecurityUnlockCode", u"1234",
-    "the code that unlocks the phone"};
+    "the code that unlocks the phone", {}, Effect::None, true};
 inline constexpr Setting<QStringView> securityCode{"security-code", security, u"SecuritySecurityCode", u"000000",
-    "the code that opens the security settings"};
+    "the code that opens the security settings", {}, Effect::None, true};
 inline constexpr Setting<int> keyLockTime{"key-lock-after", security, u"KeyLockStatus", 0,
     "seconds without a key until the keys lock; 0: never"};
 inline constexpr Setting<bool> instantLock{"lock-instantly", security, u"InstantPhoneLockStatus", false,
@@ -269,6 +270,6 @@ inline constexpr Setting<unsigned> flexBits[] = {
 namespace settings {
 
 // Every row once, in the order of `tyx settings list`.
-std::span<const Row> allRows();
+TYX_EXPORT std::span<const Row> allRows(); // exported for the tools
 
 }

@@ -54,6 +54,7 @@ template <typename T> struct Setting {
     const char *meaning;
     Values values{};
     Effect effect = Effect::None;
+    bool isSecret = false; // not for a list that others may see
 };
 
 // The same for whoever walks all of them.
@@ -67,6 +68,7 @@ struct Row {
     const char *meaning;
     Values values;
     Effect effect;
+    bool isSecret;
 };
 
 template <typename T> constexpr Type typeOf()
@@ -87,8 +89,8 @@ template <typename T> constexpr Type typeOf()
 
 template <typename T> constexpr Row row(const Setting<T> &setting)
 {
-    Row row{
-        setting.name, setting.place, setting.key, typeOf<T>(), {}, 0, setting.meaning, setting.values, setting.effect};
+    Row row{setting.name, setting.place, setting.key, typeOf<T>(), {}, 0, setting.meaning, setting.values,
+        setting.effect, setting.isSecret};
     if constexpr (std::is_same_v<T, QStringView>)
         row.absentText = setting.absent;
     else if constexpr (std::is_arithmetic_v<T>) {

@@ -34,5 +34,6 @@ void addBus(CLI::App &app, int &exit);
 void addConfig(CLI::App &app, int &exit);
 void addDoctor(CLI::App &app, int &exit);
 void addStatus(CLI::App &app, int &exit);
+void addSettings(CLI::App &app, int &exit);
 
 }

@@ -54,6 +54,7 @@ int main(int argc, char **argv)
     tyx::addScreen(app, exit);
     tyx::addBus(app, exit);
     tyx::addConfig(app, exit);
+    tyx::addSettings(app, exit);
     tyx::addQueue(app, exit);
     tyx::addDoctor(app, exit);
     tyx::addStatus(app, exit);

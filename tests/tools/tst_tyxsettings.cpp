@@ -1,0 +1,146 @@
+// The real program on a phone's settings: `tyx settings`.
+#include "tests/support/peerprocess.h"
+#include "tests/support/testfiles.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
+const QString kSystem = u"/setup/tyx_system.cfg"_s;
+const QString kCopy = u"/tmp/tyx_system.cfg"_s;
+
+Outcome settings(const QStringList &arguments) { return run(kTyx, QStringList{u"settings"_s} + arguments); }
+
+}
+
+class TstTyxSettings : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void setsAndGets_data();
+    void setsAndGets();
+    void namesWhatFails();
+    void writesTheCopyAndTellsTheInputMethods();
+    void describesEverySettingAsTheDocumentDoes();
+    void watches();
+};
+
+void TstTyxSettings::init()
+{
+    for (const QString &folder : {u"/setup/"_s, u"/tmp/"_s}) {
+        for (const QString &file : QDir(folder).entryList({u"*.cfg"_s}))
+            QFile::remove(folder + file);
+    }
+}
+
+void TstTyxSettings::setsAndGets_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("shown"); // afterwards
+    const auto row = [](const char *name, const char *value, int status, const char *shown) {
+        QTest::addRow("%s %s", name, value)
+            << QString::fromLatin1(name) << QString::fromUtf8(value) << status << QByteArray(shown);
+    };
+    row("bluetooth-name", "my phone", 0, "my phone");
+    row("bluetooth-name", "my\nphone", 2, "Q300 BT");
+    row("bluetooth", "on", 0, "on");
+    row("voice-help", "0", 0, "off");
+    row("bluetooth", "maybe", 2, "off");
+    row("screen-sleep", "2min", 0, "2min");
+    row("screen-sleep", "300", 0, "5min");
+    row("screen-sleep", "17", 2, "never");
+    row("backlight", "100", 0, "100");
+    row("backlight", "101", 2, "60");
+    row("backlight", "bright", 2, "60");
+    row("key-lock-after", "-7", 0, "-7");
+    row("blending-color", "0x80FFFFFF", 0, "2164260863");
+    row("browser-qos-min", "00FFa0", 0, "00ffa0");
+    row("browser-qos-min", "00F", 2, "");
+}
+
+void TstTyxSettings::setsAndGets()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, value);
+    const Outcome set = settings({u"set"_s, u"--"_s, name, value});
+    QTEST(set.status, "status");
+    QVERIFY(set.out.isEmpty());
+    QVERIFY(set.status == 0 ? set.err.isEmpty() : set.err.contains(name.toUtf8()) && set.err.count('\n') == 1);
+    QFETCH(QByteArray, shown);
+    QCOMPARE(settings({u"get"_s, name}).out, shown + '\n');
+}
+
+void TstTyxSettings::namesWhatFails()
+{
+    for (const QStringList &arguments : QList<QStringList>{{u"get"_s, u"none"_s}, {u"set"_s, u"none"_s, u"1"_s},
+             {u"watch"_s, u"none"_s}, {u"describe"_s, u"none"_s}, {u"get"_s}, {}}) {
+        const Outcome outcome = settings(arguments);
+        QCOMPARE(outcome.status, 2);
+        QCOMPARE(outcome.err.count('\n'), 1);
+    }
+    QVERIFY(QDir().mkpath(kSystem));
+    const Outcome outcome = settings({u"set"_s, u"bluetooth"_s, u"on"_s});
+    QVERIFY(QDir().rmdir(kSystem));
+    QCOMPARE(outcome.status, 3);
+    QCOMPARE(outcome.err, "tyx: /setup/tyx_system.cfg: open: Is a directory; make it a file that can be read\n");
+    const Outcome listed = settings({u"list"_s});
+    QVERIFY(listed.out.contains("\nlock-code = ****\n") && listed.out.contains("\nbluetooth = off\n"));
+}
+
+void TstTyxSettings::writesTheCopyAndTellsTheInputMethods()
+{
+    PeerProcess inputMethods(u"buspeer"_s);
+    QCOMPARE(inputMethods.ask("host"), "hosting");
+    QCOMPARE(inputMethods.ask("open TYX/IMServer"), "opened");
+    QCOMPARE(settings({u"set"_s, u"language"_s, u"de-de"_s}).status, 0);
+    QCOMPARE(inputMethods.line(),
+        "got TYX/IMServer setInputMethodSettings(INPUT_SETTING_T) 0001010100000032010500010100000000");
+    for (const QString &file : {kSystem, kCopy})
+        QCOMPARE(content(file), "[SYS_SYSTEM_SET]\nLanguageType = de-de\npreferedInputLanguage = 5\n");
+}
+
+void TstTyxSettings::describesEverySettingAsTheDocumentDoes()
+{
+    const QJsonObject list = QJsonDocument::fromJson(settings({u"list"_s, u"--json"_s}).out).object();
+    const QJsonArray all = QJsonDocument::fromJson(settings({u"describe"_s, u"--json"_s}).out).array();
+    QCOMPARE(all.size(), list.size());
+    for (const QJsonValue &each : all) {
+        const QJsonObject row = each.toObject();
+        const QString name = row[u"name"_s].toString();
+        QVERIFY2(
+            !row[u"meaning"_s].toString().isEmpty() && row[u"file"_s].toString().endsWith(u".cfg"_s), qPrintable(name));
+        QVERIFY2(list[name].isNull() || list[name] == row[u"default"_s], qPrintable(name)); // nothing is set
+    }
+    const Outcome table = settings({u"describe"_s, u"--markdown"_s});
+    QVERIFY2(content(QStringLiteral(TYX_SOURCE_DIR "/docs/settings.md")).contains(table.out),
+        "docs/settings.md: replace its table by what `tyx settings describe --markdown` prints");
+}
+
+void TstTyxSettings::watches()
+{
+    QProcess watching;
+    watching.start(kTyx, {u"settings"_s, u"watch"_s, u"--json"_s, u"--count"_s, u"2"_s});
+    QVERIFY(watching.waitForStarted());
+    watching.setReadChannel(QProcess::StandardError);
+    QVERIFY(watching.waitForReadyRead()); // it says that it watches
+    QCOMPARE(settings({u"set"_s, u"bluetooth"_s, u"on"_s}).status, 0);
+    watching.setReadChannel(QProcess::StandardOutput);
+    QVERIFY(watching.waitForReadyRead());
+    QCOMPARE(watching.readLine(), "{\"name\":\"bluetooth\",\"value\":true}\n");
+    fill(kCopy, "[SYS_SYSTEM_SET]\nSystemVolume = 2\n");
+    QVERIFY(watching.waitForFinished());
+    QCOMPARE(watching.readLine(), "{\"name\":\"volume-system\",\"value\":2}\n");
+    QCOMPARE(watching.exitCode(), 0);
+}
+
+QTEST_GUILESS_MAIN(TstTyxSettings)
+#include "tst_tyxsettings.moc"
