@@ -281,9 +281,8 @@ QRect TYXStyle::subElementRect(SubElement element, const QStyleOption *option, c
     case SE_ProgressBarGroove:
     case SE_ProgressBarContents:
     case SE_ProgressBarLabel:
-        return option->rect;
-    case SE_CheckBoxFocusRect:
-    case SE_RadioButtonFocusRect: // around the whole: a box without a text has a focus too
+    case SE_CheckBoxFocusRect: // around the whole: a box without a text has a focus too
+    case SE_RadioButtonFocusRect:
         return option->rect;
     case SE_LineEditContents:
         return QProxyStyle::subElementRect(element, option, widget).adjusted(2, 0, -2, 0);

@@ -72,7 +72,7 @@ QRect alongTab(const QStyleOptionTab &tab, int thickness)
 
 void drawProgressGroove(const QStyleOption &option, QPainter &painter)
 {
-    drawBox(painter, option.rect, color(option, QPalette::Base), grooveColor(option));
+    drawBox(painter, option.rect, color(option, QPalette::Base), {grooveColor(option)});
 }
 
 void drawProgressContents(const QStyleOptionProgressBar &bar, QPainter &painter)
@@ -84,7 +84,7 @@ void drawProgressContents(const QStyleOptionProgressBar &bar, QPainter &painter)
     painter.save();
     painter.setClipRect(part);
     const QColor fill = color(bar, QPalette::Highlight);
-    drawBox(painter, bar.rect, fill, fill);
+    drawBox(painter, bar.rect, fill, {fill});
     painter.restore();
 }
 
@@ -154,7 +154,7 @@ void drawTabPane(const QStyleOption &option, QPainter &painter)
 
 void drawGroupFrame(const QStyleOption &option, QPainter &painter)
 {
-    drawBox(painter, option.rect, Qt::transparent, grooveColor(option));
+    drawBox(painter, option.rect, Qt::transparent, {grooveColor(option)});
 }
 
 void drawScrollBar(const QStyleOptionSlider &bar, const QRect &handle, QPainter &painter)
@@ -191,7 +191,7 @@ void drawSlider(const QStyleOptionSlider &slider, const QRect &groove, const QRe
     const bool focus = hasFocus(slider);
     QRect round(0, 0, kSliderHandle - 2, kSliderHandle - 2);
     round.moveCenter(horizontal ? QPoint(handle.center().x(), middle) : QPoint(middle, handle.center().y()));
-    drawBox(painter, round, knob, outlineColor(slider), focus ? 2 : 1, kSliderHandle / 2.0);
+    drawBox(painter, round, knob, {outlineColor(slider), focus ? 2 : 1, kSliderHandle / 2.0});
 }
 
 void drawComboBox(const QStyleOptionComboBox &box, const QRect &arrow, QPainter &painter)

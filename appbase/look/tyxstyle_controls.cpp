@@ -59,13 +59,13 @@ QColor outlineColor(const QStyleOption &option)
     return blend(color(option, QPalette::Window), color(option, QPalette::WindowText), kLineShade);
 }
 
-void drawBox(QPainter &painter, const QRect &rect, const QColor &fill, const QColor &line, int width, qreal radius)
+void drawBox(QPainter &painter, const QRect &rect, const QColor &fill, const Line &line)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(fill);
-    painter.setPen(QPen(line, width));
-    painter.drawRoundedRect(onPixels(rect, width), radius, radius);
+    painter.setPen(QPen(line.color, line.width));
+    painter.drawRoundedRect(onPixels(rect, line.width), line.radius, line.radius);
     painter.restore();
 }
 
@@ -105,7 +105,7 @@ void drawPushButton(const QStyleOption &option, QPainter &painter)
 {
     const QColor ground = pressed(option, color(option, QPalette::Button), QPalette::ButtonText);
     const QColor fill = isOn(option, QStyle::State_On) ? blend(ground, color(option, QPalette::Highlight), 25) : ground;
-    drawBox(painter, option.rect, fill, outlineColor(option), hasFocus(option) ? 2 : 1);
+    drawBox(painter, option.rect, fill, {outlineColor(option), hasFocus(option) ? 2 : 1});
 }
 
 void drawFieldFrame(const QStyleOption &option, QPainter &painter)
@@ -113,7 +113,7 @@ void drawFieldFrame(const QStyleOption &option, QPainter &painter)
     // The field inside a spin box or a combo box has no frame of its own.
     if (const auto *frame = qstyleoption_cast<const QStyleOptionFrame *>(&option); frame && frame->lineWidth <= 0)
         return;
-    drawBox(painter, option.rect, color(option, QPalette::Base), outlineColor(option), hasFocus(option) ? 2 : 1);
+    drawBox(painter, option.rect, color(option, QPalette::Base), {outlineColor(option), hasFocus(option) ? 2 : 1});
 }
 
 void drawViewFrame(const QStyleOption &option, QPainter &painter)
@@ -131,7 +131,7 @@ void drawCheckBox(const QStyleOption &option, QPainter &painter)
     const bool marked = isOn(option, QStyle::State_On) || isOn(option, QStyle::State_NoChange);
     const QColor highlight = color(option, QPalette::Highlight);
     const QColor fill = marked ? highlight : pressed(option, color(option, QPalette::Base), QPalette::Text);
-    drawBox(painter, option.rect, fill, marked ? highlight : outlineColor(option), 1, 3);
+    drawBox(painter, option.rect, fill, {marked ? highlight : outlineColor(option), 1, 3});
     const QColor mark = color(option, QPalette::HighlightedText);
     if (isOn(option, QStyle::State_On))
         drawCheckMark(painter, option.rect, mark);
@@ -145,7 +145,7 @@ void drawRadioButton(const QStyleOption &option, QPainter &painter)
     const QColor fill = pressed(option, color(option, QPalette::Base), QPalette::Text);
     const QColor highlight = color(option, QPalette::Highlight);
     const qreal radius = option.rect.width() / 2.0;
-    drawBox(painter, option.rect, fill, marked ? highlight : outlineColor(option), marked ? 2 : 1, radius);
+    drawBox(painter, option.rect, fill, {marked ? highlight : outlineColor(option), marked ? 2 : 1, radius});
     if (!marked)
         return;
     painter.save();
@@ -228,7 +228,7 @@ QPixmap messageIcon(QStyle::StandardPixmap icon, int size)
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    drawBox(painter, pixmap.rect(), QColor(sign->color), QColor(sign->color), 1, size / 2.0);
+    drawBox(painter, pixmap.rect(), QColor(sign->color), {QColor(sign->color), 1, size / 2.0});
     painter.setPen(Qt::white);
     QFont font;
     font.setBold(true);

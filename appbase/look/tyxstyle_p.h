@@ -36,9 +36,13 @@ QColor blend(const QColor &under, const QColor &over, int part);
 QColor outlineColor(const QStyleOption &option); // of what can be used, and what has the focus
 QColor color(const QStyleOption &option, QPalette::ColorRole role); // in the state of the option
 
-// A filled shape with a line around it, one pixel wide or two with the focus, on whole pixels.
-void drawBox(QPainter &painter, const QRect &rect, const QColor &fill, const QColor &line, int width = 1,
-    qreal radius = kRadius);
+// A filled shape with a line around it, on whole pixels.
+struct Line {
+    QColor color;
+    int width = 1; // two with the focus
+    qreal radius = kRadius; // of the corners
+};
+void drawBox(QPainter &painter, const QRect &rect, const QColor &fill, const Line &line);
 
 enum class Direction { Up, Down, Left, Right };
 void drawChevron(QPainter &painter, const QRect &rect, Direction direction, const QColor &color);
