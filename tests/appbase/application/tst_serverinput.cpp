@@ -152,7 +152,7 @@ int main(int argc, char **argv)
     char *arguments[] = {argv[0], platform, nullptr};
     int count = 2;
     qputenv("TYX_FLEX_BIT", "1");
-    platform::makeKeyFile("/tmp/key_testcommand").value(); // for the status table
+    std::ignore = platform::makeKeyFile("/tmp/key_testcommand"); // without it there is no server
     const ZApplication application(count, arguments, ZApplication::GuiServer);
     ZApplication::setQuitOnLastWindowClosed(false);
     server().setWorkArea(kWorkArea);

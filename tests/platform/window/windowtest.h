@@ -103,7 +103,7 @@ template <typename Test, typename Application = QWSApplication> int runOnServer(
     arguments.push_back(platform);
     arguments.push_back(nullptr);
     int count = argc + 1;
-    platform::makeKeyFile("/tmp/key_testcommand").value(); // as the server's program does, for the status table
+    std::ignore = platform::makeKeyFile("/tmp/key_testcommand"); // as the server's program does
     Application application(count, arguments.data(), QWSApplication::GuiServer);
     QWSApplication::setQuitOnLastWindowClosed(false);
     server().setWorkArea(kWorkArea);
