@@ -1,0 +1,200 @@
+// tyx status, without a phone and on a whole one.
+#include "tests/support/peerprocess.h"
+#include "tests/support/testfiles.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+#include <SystemStatus>
+#include <ZConfig>
+#include <csignal>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+class TstTyxStatus : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withoutATableTheCureIsNamed();
+    void fieldsAreSetAndRead_data();
+    void fieldsAreSetAndRead();
+    void wrongValuesAreRefused_data();
+    void wrongValuesAreRefused();
+    void everyFieldIsListed();
+    void theDocumentShowsTheLayout();
+    void changesArePrintedAsTheyHappen();
+    void theServerOwnsTheTables();
+};
+
+namespace {
+
+const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
+
+Outcome status(const QStringList &arguments) { return run(kTyx, QStringList{u"status"_s} + arguments); }
+
+}
+
+void TstTyxStatus::withoutATableTheCureIsNamed()
+{
+    for (const QStringList &command :
+        {QStringList{u"list"_s}, {u"get"_s, u"pin"_s}, {u"set"_s, u"pin"_s, u"1"_s}, {u"dump"_s}}) {
+        const Outcome outcome = status(command);
+        QCOMPARE(outcome.status, 3);
+        QCOMPARE(
+            outcome.err, "tyx: there is no status table here; start tyx-guiserver, or make one with tyx status init\n");
+    }
+    QVERIFY(::symlink("/tmp/elsewhere", "/tmp/key_testcommand") == 0);
+    QVERIFY(status({u"init"_s}).err.startsWith("tyx: /tmp/key_testcommand: open: File exists; remove"));
+    QVERIFY(!QFile::exists(u"/tmp/elsewhere"_s));
+    QVERIFY(QFile::remove(u"/tmp/key_testcommand"_s));
+    ::umask(077);
+    QCOMPARE(status({u"init"_s}).status, 0);
+    QCOMPARE(modeOf(u"/tmp/key_testcommand"_s), mode_t(S_IFREG | 0666));
+    QCOMPARE(UTIL_GetPowerOnMode(), 0xFF);
+}
+
+void TstTyxStatus::fieldsAreSetAndRead_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QByteArray>("printed");
+    QTest::newRow("number") << u"battery-level"_s << u"010"_s << QByteArray("10");
+    QTest::newRow("hexadecimal") << u"blending-color"_s << u"0x00ff8000"_s << QByteArray("0x00ff8000");
+    QTest::newRow("largest") << u"country"_s << u"4294967295"_s << QByteArray("0xffffffff");
+    QTest::newRow("switch") << u"charging"_s << u"1"_s << QByteArray("1");
+    QTest::newRow("several numbers") << u"touch-sound"_s << u"1,70000"_s << QByteArray("1,0x00011170");
+    QTest::newRow("text") << u"service-name"_s << u"Öst Netz"_s << QByteArray("Öst Netz");
+    QTest::newRow("as much text as fits") << u"network-id"_s << u"123456789012345"_s << QByteArray("123456789012345");
+    QTest::newRow("no text") << u"network-id"_s << u""_s << QByteArray("");
+}
+
+void TstTyxStatus::fieldsAreSetAndRead()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, value);
+    QFETCH(QByteArray, printed);
+    const Outcome set = status({u"set"_s, field, value});
+    QCOMPARE(set.err, "");
+    QCOMPARE(set.status, 0);
+    QCOMPARE(status({u"get"_s, field}).out, printed + '\n');
+}
+
+void TstTyxStatus::wrongValuesAreRefused_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<QByteArray>("error");
+    const auto row = [](const char *name, const QStringList &command, const char *error) {
+        QTest::newRow(name) << command << QByteArray(error);
+    };
+    row("unknown field", {u"get"_s, u"nope"_s}, "there is no field \"nope\"; tyx status list names them");
+    row("unused bytes", {u"get"_s, u""_s}, "there is no field \"\"; tyx status list names them");
+    row("six bars", {u"set"_s, u"signal"_s, u"6"_s}, "signal takes a number from 0 to 5, not \"6\"");
+    row("negative", {u"set"_s, u"pin"_s, u"--"_s, u"-1"_s}, "pin takes a number from 0 to 255, not \"-1\"");
+    row("no number", {u"set"_s, u"pin"_s, u"x"_s}, "pin takes a number from 0 to 255, not \"x\"");
+    row("switch", {u"set"_s, u"charging"_s, u"2"_s}, "charging takes a number from 0 to 1, not \"2\"");
+    row("too few", {u"set"_s, u"key-sound"_s, u"1"_s},
+        "key-sound takes 2 numbers from 0 to 4294967295, separated by commas, not \"1\"");
+    row("too long", {u"set"_s, u"network-id"_s, u"1234567890123456"_s},
+        "network-id takes a text of at most 15 bytes, not \"1234567890123456\"");
+}
+
+void TstTyxStatus::wrongValuesAreRefused()
+{
+    QFETCH(QStringList, command);
+    QFETCH(QByteArray, error);
+    const Outcome outcome = status(command);
+    QCOMPARE(outcome.err, "tyx: " + error + '\n');
+    QCOMPARE(outcome.status, 2);
+}
+
+void TstTyxStatus::everyFieldIsListed()
+{
+    UTIL_SetSignalQuality(3);
+    const QJsonArray fields = QJsonDocument::fromJson(status({u"list"_s, u"--json"_s}).out).array();
+    const QByteArray text = status({u"list"_s}).out;
+    const QByteArray dump = status({u"dump"_s}).out;
+    QCOMPARE(text.count('\n'), fields.size());
+    int bytes = 0;
+    for (const QByteArray &line : dump.split('\n'))
+        bytes += int(QByteArray::fromHex(line.mid(7, 47)).size());
+    QCOMPARE(bytes, 1456);
+    for (const QJsonValue &each : fields) {
+        const QJsonObject field = each.toObject();
+        const QByteArray name = field[u"name"].toString().toUtf8();
+        QVERIFY(text.contains(QByteArray(' ' + name + ' ')));
+        QVERIFY(dump.contains(QByteArray("  " + name + '\n')));
+        if (name == "signal") {
+            QCOMPARE(field[u"offset"].toInt(), 0x17);
+            QCOMPARE(field[u"type"].toString(), u"u8"_s);
+            QCOMPARE(field[u"value"].toInt(), 3);
+        }
+    }
+}
+
+void TstTyxStatus::theDocumentShowsTheLayout()
+{
+    const QByteArray document = content(QStringLiteral(TYX_SOURCE_DIR "/docs/status.md"));
+    QVERIFY(document.contains(status({u"list"_s, u"--markdown"_s}).out)); // otherwise put it there
+}
+
+void TstTyxStatus::changesArePrintedAsTheyHappen()
+{
+    QProcess watch;
+    watch.start(kTyx, {u"status"_s, u"watch"_s, u"--count"_s, u"3"_s, u"country"_s, u"spn-name"_s});
+    QVERIFY(watch.waitForStarted());
+    // It watches when the first of these comes through.
+    for (quint32 country = 1; watch.bytesAvailable() == 0; ++country) {
+        UTIL_SetCountryId(country);
+        UTIL_SetBatteryLevel(quint8(country)); // nobody asked for it
+        watch.waitForReadyRead(50);
+        QVERIFY(country < 400);
+    }
+    UTIL_SetSpnName("Süd");
+    UTIL_SetCountryId(70000);
+    QVERIFY(watch.waitForFinished());
+    QCOMPARE(watch.exitCode(), 0);
+    const QList<QByteArray> lines = watch.readAllStandardOutput().split('\n');
+    QCOMPARE(lines.size(), 4);
+    for (const QByteArray &line : lines.first(3))
+        QVERIFY2(line.startsWith("country ") || line == "spn-name Süd", line.constData());
+}
+
+void TstTyxStatus::theServerOwnsTheTables()
+{
+    UTIL_SetCountryId(49);
+    ZConfig alerts(u"/tmp/tyx_alertstyle.cfg"_s, false);
+    alerts.writeEntry(u"ALERTSTYLE_CONFIG_TABLE"_s, u"AlertSystemVolume"_s, 4);
+    alerts.writeEntry(u"ALERTSTYLE_CONFIG_TABLE"_s, u"AlertKeypadStyle"_s, 1);
+    QVERIFY(alerts.flush());
+    PeerProcess server(u"../bin/tyx-guiserver"_s, {u"--platform"_s, u"offscreen"_s});
+    QVERIFY(server.line().startsWith("tyx-guiserver: ready on "));
+    QCOMPARE(UTIL_GetCountryId(), 0U);
+    SoundInfo touchPanel = {};
+    SoundInfo hardKeys = {};
+    UTIL_GetTPSoundInfo(&touchPanel);
+    UTIL_GetHKSoundInfo(&hardKeys);
+    QVERIFY(touchPanel.style == 2 && touchPanel.volume == 4);
+    QVERIFY(hardKeys.style == 1 && hardKeys.volume == 4);
+    void *applicationManager = UTIL_GetApplicationManagerTableAddress();
+    QVERIFY(applicationManager);
+    const auto bar = [] {
+        run(kTyx, {u"screen"_s, u"shot"_s, u"/tmp/shot.png"_s});
+        return QImage(u"/tmp/shot.png"_s).copy(0, 0, 190, 20); // without the clock
+    };
+    const QImage before = bar();
+    UTIL_SetSignalQuality(5);
+    QTRY_VERIFY(bar() != before);
+    UTIL_SetSignalQuality(0);
+    QTRY_VERIFY(bar() == before);
+    ::kill(pid_t(server.pid()), SIGTERM);
+    QVERIFY(server.waitForEnd());
+    QVERIFY(!UTIL_GetTableAddress());
+    QCOMPARE(status({u"get"_s, u"pin"_s}).status, 3);
+}
+
+QTEST_GUILESS_MAIN(TstTyxStatus)
+#include "tst_tyxstatus.moc"
