@@ -93,7 +93,8 @@ int SettingsTransaction::number(const QString &group, const QString &key, int ab
 
 void SettingsTransaction::set(const QString &group, const QString &key, const QString &value)
 {
-    if (!settings::isStorable(value))
+    const bool isKey = settings::isStorable(key) && !key.contains(u'=') && !key.startsWith(u'[');
+    if (!isKey || !settings::isStorable(value) || group.contains(u'\n'))
         return d->fail({"write", EINVAL});
     d->text.ensure(group).set(key, value.isNull() ? QStringLiteral("") : value);
 }

@@ -36,7 +36,8 @@ public:
     [[nodiscard]] QString text(const QString &group, const QString &key, const QString &absent = QString()) const;
     [[nodiscard]] int number(const QString &group, const QString &key, int absent = 0) const; // 0 for what is no number
 
-    // A text that would not come back as it was given (a line break, white space at its ends) makes commit() false.
+    // A name or text that would not come back as it was given (a line break, white space at its ends, '=' in a key)
+    // makes commit() false.
     void set(const QString &group, const QString &key, const QString &value);
     void set(const QString &group, const QString &key, int value);
     void set(const QString &group, const QString &key, const char *value) = delete;
