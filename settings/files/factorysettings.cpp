@@ -170,7 +170,7 @@ bool SETUP_Utility::dcSetupInit()
 bool SETUP_Utility::dcThemeInit()
 {
     const bool taken = takeOver({kThemeFiles, getThemeTimestampFileName()});
-    const QString palette = kThemeFiles.last();
+    const QString &palette = kThemeFiles.last();
     return copyIfThere(ZConfig::getSettingDirectory() + palette, QStringLiteral("/tmp/") + palette) && taken;
 }
 

@@ -58,13 +58,14 @@ public:
 
     void fail(const platform::SysError &failure)
     {
-        error = error.value_or(failure); // the first one is the cause
+        if (error.number == 0) // the first one is the cause
+            error = failure;
         replacement.reset();
     }
 
     std::optional<FileReplacement> replacement; // as long as the file is held
     config::ConfigText text;
-    std::optional<platform::SysError> error;
+    platform::SysError error; // number 0: none
 };
 
 SettingsTransaction::SettingsTransaction(const QString &file) : d(std::make_unique<SettingsTransactionData>())
@@ -76,7 +77,7 @@ SettingsTransaction::~SettingsTransaction() = default;
 
 bool SettingsTransaction::isOpen() const { return d->replacement.has_value(); }
 
-QString SettingsTransaction::errorText() const { return d->error ? d->error->text() : QString(); }
+QString SettingsTransaction::errorText() const { return d->error.number != 0 ? d->error.text() : QString(); }
 
 QString SettingsTransaction::text(const QString &group, const QString &key, const QString &absent) const
 {
@@ -112,14 +113,13 @@ void SettingsTransaction::remove(const QString &group, const QString &key)
 
 bool SettingsTransaction::commit()
 {
-    if (!d->replacement)
+    auto held = std::exchange(d->replacement, std::nullopt);
+    if (!held)
         return false;
     const QByteArray bytes = d->text.format();
-    FileReplacement replacement = std::move(*d->replacement);
-    d->replacement.reset();
     const auto saved =
-        replacement.write(std::as_bytes(std::span(bytes))).and_then([&] { return replacement.sync(); }).and_then([&] {
-            return replacement.publish();
+        held->write(std::as_bytes(std::span(bytes))).and_then([&] { return held->sync(); }).and_then([&] {
+            return held->publish();
         });
     if (!saved)
         d->fail(saved.error());
