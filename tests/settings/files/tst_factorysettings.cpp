@@ -58,13 +58,11 @@ class TstFactorySettings : public QObject {
 private Q_SLOTS:
     void initTestCase() { qputenv("TYX_APP_WRITE_PATH", "/tmp/flash"); }
     void init();
-    void aPhoneWithoutAnything();
     void aVirginPhoneGetsAllOfIt();
     void anUpgradeKeepsWhatTheUserSet();
     void aFullDiskLosesNothingAndIsTriedAgain();
     void anUnreadableFileStandsInNobodysWay();
     void damagedFilesAreKept();
-    void aHandsetsDirectoryIsFilledToo();
     void calibration();
     void theConverter();
 };
@@ -78,19 +76,17 @@ void TstFactorySettings::init()
     }
 }
 
-void TstFactorySettings::aPhoneWithoutAnything()
-{
-    fill(u"/tmp/tyx_system.cfg"_s, "[A]\n");
-    QVERIFY(S::setupInitialize());
-    QCOMPARE(userFiles(), QStringList());
-    QCOMPARE(content(u"/tmp/tyx_system.cfg"_s), "[A]\n");
-    QVERIFY(S::setBatterySavedStatus(true)); // the directory was made
-}
-
 void TstFactorySettings::aVirginPhoneGetsAllOfIt()
 {
+    const QString handset = u"/tyxlocal/download/appwrite/"_s;
+    QVERIFY(QDir().mkpath(handset));
+    fill(u"/tmp/tyx_system.cfg"_s, "[A]\n");
+    QVERIFY(S::setupInitialize()); // there is no delivery
+    QVERIFY(userFiles().isEmpty() && content(u"/tmp/tyx_system.cfg"_s) == "[A]\n");
     deliver("1");
     QVERIFY(S::setupInitialize());
+    QCOMPARE(content(handset + u"setup/tyx_call.cfg"_s), "[CALL]\nWaiting = 1\n");
+    QVERIFY(QDir(u"/tyxlocal"_s).removeRecursively());
     QCOMPARE(userFiles(),
         QStringList(
             {u"alertstyle_timestamp.cfg"_s, u"colorpalette.cfg"_s, u"theme_timestamp.cfg"_s, u"tyx_alertstyle.cfg"_s,
@@ -160,27 +156,16 @@ void TstFactorySettings::damagedFilesAreKept()
     QCOMPARE(content(kUser + u"tyx_call.cfg.damaged"_s), damaged);
 }
 
-void TstFactorySettings::aHandsetsDirectoryIsFilledToo()
-{
-    const QString handset = u"/tyxlocal/download/appwrite"_s;
-    QVERIFY(QDir().mkpath(handset));
-    deliver("6");
-    QVERIFY(S::dcSetupInit());
-    QCOMPARE(content(handset + u"/setup/tyx_call.cfg"_s), content(kUser + u"tyx_call.cfg"_s));
-    QVERIFY(QDir(u"/tyxlocal"_s).removeRecursively());
-}
-
 void TstFactorySettings::calibration()
 {
-    fill(u"/etc/pointercal"_s, "1 0 0 0 1 0 1\n");
-    QVERIFY(S::setupInitialize());
-    QCOMPARE(content(kUser + u"pointercal"_s), "1 0 0 0 1 0 1\n");
-    fill(kUser + u"pointercal"_s, "2 0 0 0 2 0 1\n");
-    QVERIFY(S::setupInitialize());
-    QCOMPARE(content(kUser + u"pointercal"_s), "2 0 0 0 2 0 1\n");
+    const QByteArray factory = "1 0 0 0 1 0 1\n";
+    const QByteArray user = "2 0 0 0 2 0 1\n";
+    fill(u"/etc/pointercal"_s, factory);
+    QVERIFY(S::setupInitialize() && content(kUser + u"pointercal"_s) == factory);
+    fill(kUser + u"pointercal"_s, user);
+    QVERIFY(S::setupInitialize() && content(kUser + u"pointercal"_s) == user);
     QVERIFY(QFile::remove(u"/etc/pointercal"_s));
-    QVERIFY(!S::copyFile(u"/tmp/none"_s, u"/tmp/x"_s));
-    QVERIFY(!S::copyFile(u"/tmp"_s, u"/tmp/x"_s));
+    QVERIFY(!S::copyFile(u"/tmp/none"_s, u"/tmp/x"_s) && !S::copyFile(u"/tmp"_s, u"/tmp/x"_s));
 }
 
 void TstFactorySettings::theConverter()
