@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/system/result.h"
+#include "platform/tyxexport.h"
 
 #include <cstddef>
 #include <span>
@@ -10,7 +11,7 @@
 
 namespace platform {
 
-class Fd {
+class TYX_EXPORT Fd {
 public:
     Fd() = default;
     static Fd own(int fd) { return Fd(fd); } // takes over what another call opened; -1 owns nothing
@@ -41,6 +42,6 @@ private:
 };
 
 // Writes all of `bytes`, whatever pieces the system takes them in.
-Result<> writeAll(int fd, std::span<const std::byte> bytes);
+TYX_EXPORT Result<> writeAll(int fd, std::span<const std::byte> bytes);
 
 }

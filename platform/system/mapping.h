@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/system/result.h"
+#include "platform/tyxexport.h"
 
 #include <cstddef>
 #include <span>
@@ -24,7 +25,7 @@ public:
         std::swap(m_bytes, other.m_bytes);
         return *this;
     }
-    ~Mapping();
+    TYX_EXPORT ~Mapping();
 
     [[nodiscard]] std::span<const std::byte> bytes() const { return m_bytes; }
     [[nodiscard]] std::span<std::byte> writableBytes() const { return m_bytes; } // of a shared mapping only

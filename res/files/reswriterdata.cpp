@@ -68,14 +68,15 @@ tl::expected<ResWriterData::Tables, BuildFault> ResWriterData::createTables() co
     });
 }
 
-QString ResWriterData::save()
+QString ResWriterData::save(Notes notes)
 {
     const auto tables = createTables();
     if (!tables) {
         if (tables.error() == BuildFault::TooLarge)
             return QStringLiteral("more than 4 GiB");
         const QString text = QString::fromLatin1(m_className) + QStringLiteral("::hash: error, hash table full");
-        std::fprintf(stderr, "%s\n", qPrintable(text));
+        if (notes == Notes::Print)
+            std::fprintf(stderr, "%s\n", qPrintable(text));
         return text;
     }
     if (fileName.isEmpty())
@@ -83,7 +84,7 @@ QString ResWriterData::save()
     auto file = platform::FileReplacement::begin(fileName, kMode);
     if (!file)
         return file.error().text();
-    if (tables->head.startBlockMoved)
+    if (tables->head.startBlockMoved && notes == Notes::Print)
         std::fputs("aligning start block\n", stderr); // the hash table behind it is aligned with it
 
     BufferedWriter writer(*file);

@@ -17,9 +17,11 @@ public:
     void add(const QString &id, const QByteArray &data) { m_resources.push_back({id.toLatin1(), data}); }
     void clear() { m_resources.clear(); }
 
+    enum class Notes { Print, Leave }; // what happens on the way, on standard error
+
     // What went wrong, or a null string. Then nothing has changed, except that a power cut can undo a replacement whose
     // folder could not be synchronised.
-    QString save();
+    QString save(Notes notes);
 
     QString fileName;
 

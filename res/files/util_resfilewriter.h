@@ -37,7 +37,8 @@ public:
     // Promised: true, whether the file was written or not. Notes on the alignment go to standard error.
     bool write();
 
-    // The same, but false when the file was not written, with the reason in `error`. It is as it was then.
+    // The same without notes, but false when the file was not written, with the reason in `error`. It is as it was
+    // then.
     [[nodiscard]] bool save(QString *error = nullptr);
 
 private:
