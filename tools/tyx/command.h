@@ -32,6 +32,7 @@ void addQueue(CLI::App &app, int &exit);
 void addScreen(CLI::App &app, int &exit);
 void addBus(CLI::App &app, int &exit);
 void addConfig(CLI::App &app, int &exit);
+void addPack(CLI::App &app, int &exit);
 void addDoctor(CLI::App &app, int &exit);
 void addStatus(CLI::App &app, int &exit);
 void addSettings(CLI::App &app, int &exit);

@@ -56,6 +56,7 @@ int main(int argc, char **argv)
     tyx::addConfig(app, exit);
     tyx::addSettings(app, exit);
     tyx::addQueue(app, exit);
+    tyx::addPack(app, exit);
     tyx::addDoctor(app, exit);
     tyx::addStatus(app, exit);
     try {

@@ -1,0 +1,105 @@
+#include "tools/tyx/packsource.h"
+
+#include "res/format/resid.h"
+#include "res/format/reslayout.h"
+#include "tools/tyx/command.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+
+namespace tyx {
+
+namespace {
+
+// Sorted, or what is wrong with them.
+PackItems checked(std::vector<PackItem> items)
+{
+    QStringList errors;
+    // By the path too: whose errors come first does not depend on the order in which the disk lists them.
+    std::sort(items.begin(), items.end(),
+        [](const PackItem &a, const PackItem &b) { return std::tie(a.id, a.path) < std::tie(b.id, b.path); });
+    const PackItem *before = nullptr;
+    for (const PackItem &item : items) {
+        if (const QString why = whyNoIdentifier(item.id); !why.isNull())
+            errors.append(QStringLiteral("%1: %2; rename it").arg(item.path, why));
+        if (before && before->id == item.id)
+            errors.append(QStringLiteral("%1: has the same identifier '%2' as %3; rename one of them")
+                              .arg(item.path, item.id, before->path));
+        before = &item;
+    }
+    if (!errors.isEmpty())
+        return tl::make_unexpected(errors);
+    return items;
+}
+
+PackItems itemsOfFolder(const QString &folder)
+{
+    std::vector<PackItem> items;
+    QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        items.push_back({res::createID(path), path});
+    }
+    return checked(std::move(items));
+}
+
+PackItems itemsOfManifest(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return tl::make_unexpected(QStringList(QStringLiteral("%1: %2").arg(path, file.errorString())));
+    const QString folder = QFileInfo(path).path() + u'/';
+    std::vector<PackItem> items;
+    QStringList errors;
+    for (int number = 1; !file.atEnd(); ++number) {
+        QByteArray line = file.readLine();
+        if (line.endsWith('\n'))
+            line.chop(1);
+        if (line.isEmpty() || line.startsWith('#'))
+            continue;
+        const qsizetype tab = line.indexOf('\t');
+        const QString name = QString::fromUtf8(line.first(tab < 0 ? line.size() : tab));
+        const QString id = tab < 0 ? res::createID(name) : QString::fromUtf8(line.mid(tab + 1));
+        if (name.isEmpty())
+            errors.append(QStringLiteral("%1:%2: no path before the tab").arg(path, QString::number(number)));
+        else
+            items.push_back({id, name.startsWith(u'/') ? name : folder + name});
+    }
+    if (!errors.isEmpty())
+        return tl::make_unexpected(errors);
+    return checked(std::move(items));
+}
+
+}
+
+QString whyNoIdentifier(const QString &id)
+{
+    if (id.isEmpty())
+        return QStringLiteral("the identifier is empty");
+    if (id.contains(QChar::fromLatin1(res::kIdEnd)))
+        return QStringLiteral("a line feed would end the identifier");
+    if (id.contains(QChar::Null))
+        return QStringLiteral("a NUL would end the identifier");
+    if (std::any_of(id.begin(), id.end(), [](QChar c) { return c.unicode() > 0xFF; }))
+        return QStringLiteral("the identifier '%1' is not Latin-1").arg(id);
+    if (res::hashVal(id.toLatin1()) == res::kHashOfNothing)
+        return QStringLiteral("readers never find the identifier '%1'").arg(id);
+    return {};
+}
+
+PackItems itemsOf(const QString &folderOrManifest)
+{
+    return QFileInfo(folderOrManifest).isDir() ? itemsOfFolder(folderOrManifest) : itemsOfManifest(folderOrManifest);
+}
+
+PackItems itemsOf(const QStringList &paths)
+{
+    std::vector<PackItem> items;
+    for (const QString &path : paths)
+        items.push_back({res::createID(path), path});
+    return checked(std::move(items));
+}
+
+}
