@@ -40,20 +40,36 @@ ResIndex::ResIndex(ResIndex &&) noexcept = default;
 ResIndex &ResIndex::operator=(ResIndex &&) noexcept = default;
 ResIndex::~ResIndex() = default;
 
+tl::expected<quint32, FormatFault> ResIndex::startBlockOf(Bytes header, Version version)
+{
+    if (header.size() < size_t(kMagicSize)
+        || std::memcmp(header.data(), magic(version).data(), size_t(kMagicSize)) != 0)
+        return tl::make_unexpected(FormatFault::Magic);
+    const Bytes digits = header.subspan(size_t(kMagicSize));
+    return parseDigits(digits.first(std::min(digits.size(), size_t(kStartDigits))));
+}
+
 tl::expected<ResIndex, FormatFault> ResIndex::parse(Bytes file, Version version)
 {
-    if (file.size() < size_t(kMagicSize) || std::memcmp(file.data(), magic(version).data(), size_t(kMagicSize)) != 0)
-        return tl::make_unexpected(FormatFault::Magic);
+    const auto start = startBlockOf(file, version);
+    if (!start)
+        return tl::make_unexpected(start.error());
+    if (quint64{*start} + startblock::size > file.size())
+        return tl::make_unexpected(FormatFault::StartBlockOffset);
+    return parse(file, *start, file.subspan(*start, startblock::size), version);
+}
+
+tl::expected<ResIndex, FormatFault> ResIndex::parse(Bytes file, quint32 start, Bytes startBlock, Version version)
+{
+    if (startBlock.size() < startblock::size || quint64{start} + startblock::size > file.size())
+        return tl::make_unexpected(FormatFault::StartBlockOffset);
+    const std::byte *block = startBlock.data();
+    if (loadWord(block + startblock::check) != kStartBlockCheck)
+        return tl::make_unexpected(FormatFault::StartBlockCheck);
     ResIndex index;
     index.m_file = file;
     index.m_entrySize = entrySize(version);
-    const Bytes digits = file.subspan(size_t(kMagicSize));
-    index.m_startBlock = parseDigits(digits.first(std::min(digits.size(), size_t(kStartDigits))));
-    if (quint64{index.m_startBlock} + startblock::size > file.size())
-        return tl::make_unexpected(FormatFault::StartBlockOffset);
-    const std::byte *block = file.data() + index.m_startBlock;
-    if (loadWord(block + startblock::check) != kStartBlockCheck)
-        return tl::make_unexpected(FormatFault::StartBlockCheck);
+    index.m_startBlock = start;
     index.m_idTable = loadWord(block + startblock::idTable);
     index.m_slotCount = loadWord(block + startblock::slotCount);
     index.m_hashTable = loadWord(block + startblock::hashTable);
@@ -86,17 +102,37 @@ std::optional<quint32> ResIndex::find(QByteArrayView id) const
     if (m_names)
         return m_names->find(*this, hash, id);
     std::optional<quint32> found;
-    quint32 steps = 0;
-    for (quint32 slot = hash % m_slotCount; steps < m_slotCount && !found; ++steps) {
-        const quint32 idOffset = idOffsetAt(slot);
-        if (idOffset == kNoId)
+    quint32 slot = hash % m_slotCount;
+    quint32 left = m_slotCount;
+    while (left > 0 && !found) {
+        const auto end = static_cast<quint32>(std::min(quint64{slot} + left, quint64{m_slotCount}));
+        const quint32 candidate = nextCandidate(slot, end, hash);
+        left -= candidate - slot;
+        slot = candidate == m_slotCount ? 0 : candidate;
+        if (candidate == end)
+            continue; // around the end of the table, or all of it was seen
+        if (idOffsetAt(slot) == kNoId)
             break;
-        if (hashAt(slot) == hash && holdsBeginningOf(id, idOffset))
+        if (holdsBeginningOf(id, idOffsetAt(slot)))
             found = slot;
+        --left;
         slot = slot + 1 == m_slotCount ? 0 : slot + 1;
     }
-    countSteps(steps);
+    countSteps(m_slotCount - left);
     return found;
+}
+
+// The first slot from `slot` on that is empty or has the hash; `end` if there is none before it. With nothing else in
+// the loop a chain is walked at the speed of memory.
+quint32 ResIndex::nextCandidate(quint32 slot, quint32 end, quint32 hash) const
+{
+    const std::byte *at = slotAt(slot);
+    const std::size_t step = m_entrySize;
+    while (slot < end && loadWord(at + entry::hash) != hash && loadWord(at + entry::id) != kNoId) {
+        ++slot;
+        at += step;
+    }
+    return slot;
 }
 
 // The index is made once walking has cost as much: no sequence of questions then costs more than twice the better way.
@@ -122,11 +158,13 @@ bool ResIndex::holdsBeginningOf(QByteArrayView id, quint32 idOffset) const
     if (quint64{m_idTable} + idOffset > m_file.size())
         return false;
     const Bytes rest = textAt(idOffset);
-    const Bytes text = rest.first(std::min(rest.size(), size_t(id.size())));
-    const auto end = std::find(text.begin(), text.end(), std::byte{kIdEnd});
-    const auto size = size_t(end - text.begin());
-    const bool endsHere = end != text.end() || size == rest.size() || rest[size] == std::byte{kIdEnd};
-    return endsHere && (size == 0 || std::memcmp(text.data(), id.data(), size) == 0);
+    std::size_t size = std::min(rest.size(), size_t(id.size()));
+    const void *end = size == 0 ? nullptr : std::memchr(rest.data(), kIdEnd, size);
+    if (end)
+        size = size_t(static_cast<const std::byte *>(end) - rest.data());
+    else if (size < rest.size() && rest[size] != std::byte{kIdEnd})
+        return false; // it is longer than the identifier
+    return size == 0 || std::memcmp(rest.data(), id.data(), size) == 0;
 }
 
 QByteArrayView ResIndex::idAt(quint32 slot) const

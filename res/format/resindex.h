@@ -47,6 +47,11 @@ public:
     ResIndex(); // of no file: without slots
     static tl::expected<ResIndex, FormatFault> parse(Bytes file, Version version);
 
+    // The same in two steps, for who reads those few bytes by other means than `file`: a page of a mapping that is
+    // touched for the first time costs several times as much as reading from the file.
+    static tl::expected<quint32, FormatFault> startBlockOf(Bytes header, Version version); // kFixedHeaderSize of it
+    static tl::expected<ResIndex, FormatFault> parse(Bytes file, quint32 start, Bytes startBlock, Version version);
+
     ResIndex(ResIndex &&) noexcept;
     ResIndex &operator=(ResIndex &&) noexcept;
     ~ResIndex();
@@ -82,6 +87,7 @@ private:
     [[nodiscard]] const std::byte *slotAt(quint32 slot) const;
     [[nodiscard]] Bytes textAt(quint32 idOffset) const; // from there to the end of the file
     [[nodiscard]] bool holdsBeginningOf(QByteArrayView id, quint32 idOffset) const;
+    [[nodiscard]] quint32 nextCandidate(quint32 slot, quint32 end, quint32 hash) const;
     void countSteps(quint32 steps) const;
 
     Bytes m_file;
