@@ -4,10 +4,12 @@
 #include "res/format/reslayout.h"
 #include "tools/tyx/command.h"
 
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <tuple>
 
 namespace tyx {
 
@@ -34,14 +36,24 @@ PackItems checked(std::vector<PackItem> items)
     return items;
 }
 
+// Not by the toolkit's iterator: it asks the disk about every file once more.
 PackItems itemsOfFolder(const QString &folder)
 {
     std::vector<PackItem> items;
-    QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString path = files.next();
-        items.push_back({res::createID(path), path});
+    std::error_code error;
+    std::filesystem::recursive_directory_iterator entry(QFile::encodeName(folder).toStdString(), error);
+    for (; !error && entry != std::filesystem::end(entry); entry.increment(error)) {
+        std::error_code gone; // a link to nothing, or removed meanwhile
+        if (entry->path().filename().native().starts_with('.')) {
+            entry.disable_recursion_pending();
+        } else if (entry->is_regular_file(gone)) {
+            const QString path = QFile::decodeName(entry->path().c_str());
+            items.push_back({res::createID(path), path});
+        }
     }
+    if (error)
+        return tl::make_unexpected(
+            QStringList(QStringLiteral("%1: %2").arg(folder, QString::fromLocal8Bit(error.message().c_str()))));
     return checked(std::move(items));
 }
 
