@@ -31,7 +31,9 @@ bool ResReaderData::get(const QString &id, const char *&data, unsigned int &leng
 {
     data = nullptr;
     length = 0;
-    const auto slot = m_file ? m_file->index().find(Latin1Id(id).view()) : std::nullopt;
+    if (!m_file)
+        return false;
+    const auto slot = m_file->index().find(Latin1Id(id).view());
     return slot && getDataAtOffset(m_file->index().dataOffsetAt(*slot), data, length);
 }
 
@@ -64,7 +66,7 @@ QString ResReaderData::getFirstID()
 QString ResReaderData::getNextID()
 {
     while (m_file && m_next < m_file->index().slotCount()) {
-        if (const QString id = getID(m_next++); !id.isNull())
+        if (QString id = getID(m_next++); !id.isNull())
             return id;
     }
     return {};

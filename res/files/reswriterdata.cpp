@@ -74,7 +74,7 @@ QString ResWriterData::save(Notes notes)
     if (!tables) {
         if (tables.error() == BuildFault::TooLarge)
             return QStringLiteral("more than 4 GiB");
-        const QString text = QString::fromLatin1(m_className) + QStringLiteral("::hash: error, hash table full");
+        QString text = QString::fromLatin1(m_className) + QStringLiteral("::hash: error, hash table full");
         if (notes == Notes::Print)
             std::fprintf(stderr, "%s\n", qPrintable(text));
         return text;

@@ -48,7 +48,8 @@ const QByteArray kSample = resourceFile({{"a.g", "image"}, {"b.a", "sound"}, {"c
 const qsizetype kIds = res::headerText(Version::Resources).size();
 const qsizetype kStart = (kIds + 4 + 4 + 2 + 3) / 4 * 4;
 const qsizetype kHash = kStart + 20;
-const qsizetype kData = kHash + 4 * 12;
+const qsizetype kEntry = 12;
+const qsizetype kData = kHash + 4 * kEntry;
 
 }
 
@@ -196,7 +197,7 @@ void TstResFormat::damage_data()
 
     reads("no slots", with(kStart + 8, word(0)), "(none)", kStart + 16);
     reads("the data at the end", with(kStart + 16, word(quint32(end))), "(none)", kStart + 16);
-    const qsizetype slot = kHash + 3 * 12; // of "a.g"
+    const qsizetype slot = kHash + 3 * kEntry; // of "a.g"
     reads("another hash", with(slot, word(7)), "(none)", slot);
     reads("an ID outside", with(slot + 4, word(0xFFFFFFFE)), "(none)", kHash + 12 + 4);
     reads("an ID at the end of the file", with(slot + 4, word(quint32(end - kIds))), "image", kHash + 12 + 4);
@@ -268,7 +269,7 @@ void TstResFormat::probing()
 void TstResFormat::everySlotIsVisited()
 {
     QByteArray file = kSample + QByteArray(100, 'x');
-    const auto idOffset = [&](int slot) { return kHash + slot * 12 + 4; };
+    const auto idOffset = [&](int slot) { return kHash + slot * kEntry + 4; };
     const auto ids = [&] {
         const auto index = res::ResIndex::parse(bytesOf(file), Version::Resources);
         QByteArrayList found;
