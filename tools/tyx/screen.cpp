@@ -2,13 +2,13 @@
 #include "appbase/messaging/wire.h"
 #include "platform/bus/qcopchannel.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/keyname.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QKeySequence>
 #include <QSaveFile>
 #include <QTimer>
 #include <chrono>
@@ -121,14 +121,14 @@ int list(bool json)
 int key(const std::vector<std::string> &names)
 {
     for (const std::string &name : names) {
-        const QKeySequence keys = QKeySequence::fromString(QString::fromStdString(name));
-        if (keys.count() != 1 || keys[0].key() == Qt::Key_unknown) {
+        const auto pressed = keyFromName(QString::fromStdString(name));
+        if (!pressed) {
             std::ignore = fail(QString::fromStdString(name)
                 + QStringLiteral(": no such key; names are those of Qt: Return, F6, Left, Ctrl+A"));
             return Usage;
         }
         if (!expect(
-                "done()", ask("key(QCString,int,int,int)", 0, int(keys[0].key()), int(keys[0].keyboardModifiers()))))
+                "done()", ask("key(QCString,int,int,int)", 0, int(pressed->key()), int(pressed->keyboardModifiers()))))
             return Failed;
     }
     return Done;
