@@ -82,7 +82,6 @@ bool filterEvent(QWSApplication &application, int window, const QEvent &event)
     }
 }
 
-// Looks at the type first: an event of another one may have destroyed its receiver.
 bool concernsFrame(const QObject &receiver, const QEvent &event)
 {
     switch (event.type()) {
@@ -187,11 +186,12 @@ bool QWSApplication::notify(QObject *receiver, QEvent *event)
             return true;
     }
     const bool closesMain = event->type() == QEvent::Close && theData && receiver == theData->mainWidget;
-    const bool handled = QApplication::notify(receiver, event);
     // A client that was started with a platform of its own has the frames of that one.
-    const bool framed = theData && (theData->windows || theData->type != GuiClient);
-    if (framed && concernsFrame(*receiver, *event))
-        windowframe::followEvent(qwsDecoration(), static_cast<QWidget &>(*receiver), *event);
+    const bool framed = theData && (theData->windows || theData->type != GuiClient) && concernsFrame(*receiver, *event);
+    const QPointer<QWidget> window = framed ? static_cast<QWidget *>(receiver) : nullptr;
+    const bool handled = QApplication::notify(receiver, event);
+    if (window) // the event may have destroyed it
+        windowframe::followEvent(qwsDecoration(), *window, *event);
     if (closesMain && event->isAccepted())
         quit();
     return handled;
