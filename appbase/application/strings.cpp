@@ -35,6 +35,7 @@ constexpr QByteArrayView kMagic("\x3c\xb8\x64\x18\xca\xef\x9c\x95\xcd\x21\x1c\xb
 enum BlockTag : quint8 { Hashes = 0x42, Messages = 0x69, NumerusRules = 0x88, Language = 0xa7 };
 enum MessageTag : quint8 { End = 1, Translation = 3, SourceText = 6, Context = 7, Comment = 8 };
 constexpr qsizetype kHashSize = 4 + 4;
+constexpr quint32 kNullText = 0xFFFFFFFF; // instead of a length: an empty translation, of which no bytes follow
 
 std::optional<quint32> takeNumber(QByteArrayView &bytes)
 {
@@ -55,6 +56,17 @@ std::optional<QByteArrayView> takeCounted(QByteArrayView &bytes)
     return taken;
 }
 
+bool takeText(QByteArrayView &message, quint8 tag)
+{
+    QByteArrayView rest = message;
+    if (tag == Translation && takeNumber(rest) == kNullText) {
+        message = rest;
+        return true;
+    }
+    const auto text = takeCounted(message);
+    return text && (tag != Translation || text->size() % 2 == 0);
+}
+
 // Walks one message. `steps` is what may still be walked in all: messages that overlap would take for ever.
 bool isSoundMessage(QByteArrayView message, qsizetype &steps)
 {
@@ -65,8 +77,7 @@ bool isSoundMessage(QByteArrayView message, qsizetype &steps)
             return true;
         if (tag != Translation && tag != SourceText && tag != Context && tag != Comment)
             return false;
-        const auto text = takeCounted(message);
-        if (!text || (tag == Translation && text->size() % 2 != 0))
+        if (!takeText(message, tag))
             return false;
     }
     return false;

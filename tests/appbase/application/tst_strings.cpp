@@ -44,6 +44,7 @@ private Q_SLOTS:
     void languagesAndTheirFiles();
     void onlySoundFilesAreLoaded_data();
     void onlySoundFilesAreLoaded();
+    void translationsMayBeEmpty();
     void damageDoesNoHarm();
     void everyTextIsInEveryLanguage();
     void themePathsAreTakenAndPublished();
@@ -114,6 +115,22 @@ void TstStrings::onlySoundFilesAreLoaded()
     QCOMPARE(cancel(), good ? u"Abbrechen"_s : u"Cancel"_s); // what was loaded before is gone in every case
     const QString line = u"strings: "_s + path + u": "_s + told + u'\n';
     QCOMPARE(StandardError::text(), told.isEmpty() ? QByteArray() : line.toUtf8());
+}
+
+// "Hello" has an empty translation and so has the first plural of "%n x"; "Bye" has one.
+void TstStrings::translationsMayBeEmpty()
+{
+    const QByteArray compiled = QByteArray::fromHex(
+        "3cb86418caef9c95cd211cbf60a1bddda70000000564655f44454200000018000049f5000000210002c0780000000000"
+        "4ec32f00000042690000005d03ffffffff0300000002006208000000000600000004256e207807000000015801030000"
+        "00080054007300630068080000000006000000034279650700000001580103ffffffff0800000000060000000548656c"
+        "6c6f0700000001580188000000020101");
+    QVERIFY(areSoundStrings(compiled));
+    const std::vector<uchar> bytes(compiled.begin(), compiled.end());
+    QTranslator translator;
+    QVERIFY(translator.load(bytes.data(), int(bytes.size())));
+    QCOMPARE(translator.translate("X", "Bye"), u"Tsch"_s);
+    QCOMPARE(translator.translate("X", "Hello"), QString());
 }
 
 // The toolkit reads what is let through: the sanitizers see whether it stays inside.
