@@ -106,7 +106,7 @@ bool InputClient::eventFilter(QObject *watched, QEvent *event)
 
 void InputClient::inputWidgetShown(int editor, int height)
 {
-    ZMainWidget *window = activeMainWidget();
+    const QPointer<ZMainWidget> window = activeMainWidget(); // the other one's change of size may destroy it
     if (m_shrunk && m_shrunk != window)
         m_shrunk->getEditorRect(editor, 0, false);
     m_shrunk = window;
