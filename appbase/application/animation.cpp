@@ -36,4 +36,14 @@ void Animation::centreOn(QPoint inWindow)
     move(std::clamp(corner.x(), 0, std::max(0, room.width())), std::clamp(corner.y(), 0, std::max(0, room.height())));
 }
 
+void Animation::dismiss(QPointer<Animation> &animation)
+{
+    if (!animation)
+        return;
+    animation->m_movie.stop();
+    animation->hide();
+    animation->deleteLater();
+    animation.clear();
+}
+
 void Animation::paintEvent(QPaintEvent * /*event*/) { QPainter(this).drawPixmap(0, 0, m_movie.currentPixmap()); }

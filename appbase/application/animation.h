@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QMovie>
-#include <QString>
+#include <QPointer>
 #include <QWidget>
 
 inline constexpr char kPressHoldAnimation[] = "General_Mouse_PressHold_Ani.gif";
@@ -16,6 +16,10 @@ public:
     Animation(QWidget &window, const char *name);
 
     void centreOn(QPoint inWindow); // as far inside the window as it fits
+
+    // Nothing of it is seen any more. It is destroyed later: who takes it away may be called while the toolkit goes
+    // through the children of the window, which has just been hidden or left.
+    static void dismiss(QPointer<Animation> &animation);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -105,7 +105,7 @@ bool PressHold::act(Action action)
         m_animation->centreOn(window.mapFromGlobal(m_logic.position()));
     }
     if (action == Action::Stop || action == Action::Hold)
-        delete m_animation;
+        Animation::dismiss(m_animation);
     if (action == Action::Hold)
         hold();
     return action == Action::Swallow;

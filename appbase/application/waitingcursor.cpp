@@ -24,7 +24,7 @@ void WaitingCursor::hide()
 void WaitingCursor::clear()
 {
     m_depth = 0;
-    delete m_animation;
+    Animation::dismiss(m_animation);
 }
 
 void WaitingCursor::follow()
@@ -33,7 +33,7 @@ void WaitingCursor::follow()
     if (!window)
         return;
     if (!m_animation || m_animation->parentWidget() != window) {
-        delete m_animation;
+        Animation::dismiss(m_animation);
         m_animation = new Animation(*window, kWaitingAnimation);
     }
     m_animation->centreOn(window->rect().center());

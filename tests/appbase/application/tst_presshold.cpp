@@ -52,6 +52,13 @@ protected:
     void contextMenuEvent(QContextMenuEvent *) override { onMenu(); }
 };
 
+// One that is seen: what was taken away is destroyed later.
+const Animation *animationIn(const QWidget &window)
+{
+    const auto *animation = window.findChild<Animation *>();
+    return animation && !animation->isHidden() ? animation : nullptr;
+}
+
 // A window with one button, the filter in front of it, and the pen.
 class Scene : public QObject {
 public:
@@ -104,6 +111,8 @@ public:
             pen(QEvent::MouseButtonPress, Qt::MiddleButton);
         else if (what == u"hide")
             button->hide();
+        else if (what == u"hide window")
+            window.hide();
         else if (what == u"delete")
             delete button;
         else if (what == u"deletes itself")
@@ -115,7 +124,7 @@ public:
         else
             waitUntil(what.toInt());
     }
-    bool isAnimated() const { return window.findChild<Animation *>() != nullptr; }
+    bool isAnimated() const { return animationIn(window) != nullptr; }
 
     QWidget window;
     QPointer<Button> button = new Button(&window);
@@ -180,6 +189,7 @@ void TstPressHold::widgetsSeeWhatTheyShould_data()
     QTest::newRow("moved") << u"down; 300; move; 1000; up"_s << 0 << 1;
     QTest::newRow("another button") << u"down; 300; second; 1000; up"_s << 0 << 1;
     QTest::newRow("hidden") << u"down; 300; hide; 1000; up"_s << 0 << 0;
+    QTest::newRow("window hidden") << u"down; 300; hide window; 1000; up"_s << 0 << 0;
     QTest::newRow("deleted") << u"down; 300; delete; 1000; up"_s << 0 << 0;
     QTest::newRow("deleted when held") << u"down; 1000; delete; move; up"_s << 1 << 0;
     QTest::newRow("deletes itself") << u"deletes itself; down; 300; 1000; move; up"_s << 1 << 0;
@@ -225,9 +235,8 @@ void TstPressHold::theWaitingCursorCountsAndFollows()
     auto window = std::make_unique<QWidget>();
     QWidget other;
     const auto middle = [](const QWidget &where) {
-        const auto *animation = where.findChild<Animation *>();
-        return animation && animation->isVisible()
-            && (animation->geometry().center() - where.rect().center()).manhattanLength() < 3;
+        const auto *animation = animationIn(where);
+        return animation && (animation->geometry().center() - where.rect().center()).manhattanLength() < 3;
     };
     app.hideWaitingCursor(); // one too many
     app.showWaitingCursor(); // before there is a window
@@ -242,14 +251,14 @@ void TstPressHold::theWaitingCursorCountsAndFollows()
     other.show();
     other.activateWindow();
     QTRY_VERIFY(middle(other));
-    QVERIFY(!window->findChild<Animation *>());
+    QVERIFY(!animationIn(*window));
     window->activateWindow();
     QTRY_VERIFY(middle(*window));
     window.reset();
     other.activateWindow();
     QTRY_VERIFY(middle(other));
     app.hideWaitingCursor();
-    QVERIFY(!other.findChild<Animation *>());
+    QVERIFY(!animationIn(other));
 }
 
 int main(int argc, char **argv)
