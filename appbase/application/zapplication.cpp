@@ -5,11 +5,8 @@
 #include "appbase/messaging/wire.h"
 #include "appbase/messaging/zmsg.h"
 
-#include <QCoreApplication>
 #include <QDataStream>
-#include <QEvent>
 #include <QWidget>
-#include <cstdio>
 
 namespace {
 

@@ -92,6 +92,7 @@ public:
     // application's) and those of the library. What an earlier call loaded is removed first. False when there is
     // no translation for `name`; its texts are shown as they are then.
     bool loadString(const QString &name);
+
     // Tells the GUI server that text can be typed into the widget, until it is destroyed or taken back. Answers the
     // editor's identifier, which is unique on the phone and stands in all messages about it: the same one when the
     // widget is registered already, 0 when the process has 511 editors. The server learns of the widget's window when
