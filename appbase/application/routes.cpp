@@ -3,6 +3,7 @@
 #include "appbase/application/routes.h"
 
 #include "appbase/application/inputmessages.h"
+#include "appbase/application/suspension.h"
 #include "appbase/application/zapplication.h"
 #include "appbase/messaging/wire.h"
 #include "platform/bus/busflush.h"
@@ -37,7 +38,6 @@ constexpr Row systemRoutes[] = {
     {"master clear", &Data::onMasterClear},
     {"master reset", &Data::onMasterReset},
     {"SetGuiToSuspension()", &Data::onSetGuiToSuspension},
-    {"SetGuiToResume()", &Data::onSetGuiToResume},
     {"amClosed()", &Data::onAmClosed},
     {"changeTextSize()", &Data::onChangeTextSize},
     {"modifytimezone", &Data::onModifyTimeZone},
@@ -95,8 +95,11 @@ void ZApplicationData::storedMessage(const queue::Record &record)
 
 void ZApplicationData::slotSystemMessage(const QCString &message, const QByteArray &arguments)
 {
+    // Ours, and no rows of the table: applications hear of them too.
     if (message == "languageChanged()")
-        m_application.loadString(name); // and the application hears of it too, to put its texts anew
+        m_application.loadString(name);
+    else if (message == "SetGuiToResume()")
+        SetGuiToResume();
     if (!dispatch<Data>(systemRoutes, *this, message, arguments))
         Q_EMIT m_application.systemMessage(message, arguments);
 }

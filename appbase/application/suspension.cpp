@@ -50,5 +50,3 @@ void SetGuiToResume()
 bool isGuiSuspended() { return theCover; }
 
 void ZApplicationData::onSetGuiToSuspension(const QByteArray & /*arguments*/) { SetGuiToSuspension(); }
-
-void ZApplicationData::onSetGuiToResume(const QByteArray & /*arguments*/) { SetGuiToResume(); }

@@ -98,7 +98,6 @@ public:
     void onBridgeMessage(const QByteArray &arguments);
     void onBridgeMessageWithoutRaise(const QByteArray &arguments);
     void onSetGuiToSuspension(const QByteArray &arguments);
-    void onSetGuiToResume(const QByteArray &arguments);
     void onUpdateTouchPanelSoundInfo(const QByteArray &arguments);
     void onHardkeySoundChanged(const QByteArray &arguments);
     void onLanguageChanged(const QByteArray &arguments);
