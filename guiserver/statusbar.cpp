@@ -59,7 +59,7 @@ void StatusBar::refresh()
     update();
 }
 
-// One wake-up a minute: an idle phone sleeps.
+// The clock wakes the phone once a minute.
 void StatusBar::waitForNextMinute()
 {
     constexpr int kMinute = 60'000;
