@@ -5,6 +5,7 @@
 #include "guiserver/screenservice.h"
 #include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
+#include "platform/bus/businspector.h"
 #include "platform/window/qwsserver.h"
 #include "settings/files/setup_utility.h"
 
@@ -54,7 +55,8 @@ int main(int argc, char **argv)
 {
     if (const auto status = checkArguments(argc, argv))
         return *status;
-    SETUP_Utility::setupInitialize(); // what failed has told so, and the phone runs without it
+    if (!platform::BusInspector::open()) // beside a phone that runs, this one ends soon, and must not touch its files
+        SETUP_Utility::setupInitialize(); // what failed has told so, and the phone runs without it
     holdTerminationSignals();
     makeKeyFiles();
     ZApplication application(argc, argv, ZApplication::GuiServer);

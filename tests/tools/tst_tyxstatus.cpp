@@ -190,6 +190,11 @@ void TstTyxStatus::theServerOwnsTheTables()
     QTRY_VERIFY(bar() != before);
     UTIL_SetSignalQuality(0);
     QTRY_VERIFY(bar() == before);
+    // A second server, which is refused, leaves the settings of the phone alone.
+    const QByteArray alertsOfThePhone = content(u"/tmp/tyx_alertstyle.cfg"_s);
+    fill(u"/setup/tyx_alertstyle.cfg"_s, "[ALERTSTYLE_CONFIG_TABLE]\nAlertSystemVolume = 1\n");
+    QVERIFY(run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx-guiserver"), {}).status != 0);
+    QCOMPARE(content(u"/tmp/tyx_alertstyle.cfg"_s), alertsOfThePhone);
     ::kill(pid_t(server.pid()), SIGTERM);
     QVERIFY(server.waitForEnd());
     QVERIFY(!UTIL_GetTableAddress());
