@@ -61,6 +61,7 @@ void TstTyxSettings::setsAndGets_data()
     row("backlight", "100", 0, "100");
     row("backlight", "101", 2, "60");
     row("backlight", "bright", 2, "60");
+    row("vibration", "0x-5", 2, "0");
     row("key-lock-after", "-7", 0, "-7");
     row("blending-color", "0x80FFFFFF", 0, "2164260863");
     row("browser-qos-min", "00FFa0", 0, "00ffa0");

@@ -10,6 +10,7 @@
 #include <SystemStatus>
 #include <ZConfig>
 #include <csignal>
+#include <sys/shm.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -52,6 +53,14 @@ void TstTyxStatus::withoutATableTheCureIsNamed()
     QVERIFY(!QFile::exists(u"/tmp/elsewhere"_s));
     QVERIFY(QFile::remove(u"/tmp/key_testcommand"_s));
     ::umask(077);
+    fill(u"/tmp/key_testcommand"_s, "");
+    const int small = ::shmget(::ftok("/tmp/key_testcommand", 'm'), 100, IPC_CREAT | 0600);
+    for (const QStringList &command : {QStringList{u"get"_s, u"pin"_s}, {u"init"_s}}) {
+        const Outcome outcome = status(command);
+        QCOMPARE(outcome.status, 3);
+        QVERIFY2(outcome.err.contains("tyx doctor"), outcome.err.constData());
+    }
+    QVERIFY(::shmctl(small, IPC_RMID, nullptr) == 0 && QFile::remove(u"/tmp/key_testcommand"_s));
     QCOMPARE(status({u"init"_s}).status, 0);
     QCOMPARE(modeOf(u"/tmp/key_testcommand"_s), mode_t(S_IFREG | 0666));
     QCOMPARE(UTIL_GetPowerOnMode(), 0xFF);
@@ -94,6 +103,7 @@ void TstTyxStatus::wrongValuesAreRefused_data()
     row("unused bytes", {u"get"_s, u""_s}, "there is no field \"\"; tyx status list names them");
     row("six bars", {u"set"_s, u"signal"_s, u"6"_s}, "signal takes a number from 0 to 5, not \"6\"");
     row("negative", {u"set"_s, u"pin"_s, u"--"_s, u"-1"_s}, "pin takes a number from 0 to 255, not \"-1\"");
+    row("twice", {u"set"_s, u"pin"_s, u"0x0x5"_s}, "pin takes a number from 0 to 255, not \"0x0x5\"");
     row("no number", {u"set"_s, u"pin"_s, u"x"_s}, "pin takes a number from 0 to 255, not \"x\"");
     row("switch", {u"set"_s, u"charging"_s, u"2"_s}, "charging takes a number from 0 to 1, not \"2\"");
     row("too few", {u"set"_s, u"key-sound"_s, u"1"_s},

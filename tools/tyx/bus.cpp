@@ -53,12 +53,6 @@ int failGone(const BusInspector &bus)
     return fail(bus.isSilent() ? QStringLiteral("the phone does not answer") : QStringLiteral("the phone has stopped"));
 }
 
-int wrongUsage(const QString &message)
-{
-    std::ignore = fail(message);
-    return Usage;
-}
-
 // The message as it was typed, or what is wrong with it.
 tl::expected<Draft, QString> draftOf(const Options &options)
 {
@@ -125,7 +119,7 @@ int send(const Options &options)
 {
     const auto draft = draftOf(options);
     if (!draft)
-        return wrongUsage(draft.error());
+        return refuse(draft.error());
     if (!BusInspector::fits({0, draft->channel, draft->message, draft->arguments.data}))
         return fail(QStringLiteral("the message to \"%1\" was not sent: a channel name has 1 to 255 bytes, a message "
                                    "with its names at most 1 MiB")
@@ -135,7 +129,7 @@ int send(const Options &options)
     if (objection.isEmpty())
         objection = wrongChannel(*draft, bus ? bus->get() : nullptr);
     if (!objection.isEmpty() && options.strict)
-        return wrongUsage(objection + QStringLiteral("; it was not sent"));
+        return refuse(objection + QStringLiteral("; it was not sent"));
     if (!objection.isEmpty())
         std::ignore = fail(QStringLiteral("warning: %1; sent all the same").arg(objection));
     return options.queued ? sendQueued(*draft) : sendNow(*draft, bus);
@@ -150,7 +144,7 @@ QJsonObject json(const BusInspector::Sent &sent)
     return object;
 }
 
-void print(const BusInspector::Sent &sent, bool asJson)
+bool print(const BusInspector::Sent &sent, bool asJson)
 {
     if (asJson) // one object a line, so that a reader need not wait for the end
         printLine(QString::fromUtf8(QJsonDocument(json(sent)).toJson(QJsonDocument::Compact)));
@@ -160,7 +154,7 @@ void print(const BusInspector::Sent &sent, bool asJson)
                           QString::number(sent.data.size()),
                           argumentsText(sent.channel, sent.message, sent.data.toByteArray()))
                       .trimmed());
-    std::fflush(stdout);
+    return flushOutput();
 }
 
 int monitor(const Options &options)
@@ -174,8 +168,7 @@ int monitor(const Options &options)
         const std::string channel(sent.channel.data(), size_t(sent.channel.size()));
         if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), channel) == wanted.end())
             return true;
-        print(sent, options.json);
-        return options.count == 0 || ++seen < options.count;
+        return print(sent, options.json) && (options.count == 0 || ++seen < options.count);
     });
     return stopped ? int(Done) : failGone(**bus);
 }
@@ -260,17 +253,6 @@ int wait(const Options &options)
     return Done;
 }
 
-// CLI11's own ranges let "nan" pass, and say no short text.
-CLI::Validator numberFrom(double least, double most, const std::string &text)
-{
-    const auto check = [=](const std::string &word) {
-        double number = 0;
-        const bool fits = CLI::detail::lexical_cast(word, number) && number >= least && number <= most;
-        return fits ? std::string() : "\"" + word + "\" should be " + text;
-    };
-    return {check, text};
-}
-
 using Action = int (*)(const Options &);
 
 CLI::App *add(CLI::App &bus, const char *name, const char *help, std::function<void()> run)
@@ -307,8 +289,7 @@ void addBus(CLI::App &app, int &exit)
         "Prints all messages: sender, channel, name, size, arguments (as bytes where they are not known).",
         running(monitor));
     watching->add_option("channel", options->channels, "Only these channels");
-    watching->add_option("--count", options->count, "Stops after so many messages")
-        ->check(numberFrom(1, 1e9, "a number from 1 to 1000000000"));
+    watching->add_option("--count", options->count, "Stops after so many messages")->check(countRange());
     watching->add_flag("--json", options->json, "One JSON object a line");
 
     CLI::App *describing = add(*bus, "describe",

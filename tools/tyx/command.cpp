@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QStringList>
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <unistd.h>
 
@@ -12,6 +13,12 @@ int fail(const QString &message)
 {
     std::fprintf(stderr, "tyx: %s\n", message.toUtf8().constData());
     return Failed;
+}
+
+int refuse(const QString &message)
+{
+    std::ignore = fail(message);
+    return Usage;
 }
 
 QString printable(QByteArrayView bytes)
@@ -37,5 +44,30 @@ void printJson(const QJsonDocument &document)
     for (const QString &line : text.split(u'\n'))
         printLine(line);
 }
+
+std::optional<qint64> wholeNumber(const std::string &text)
+{
+    const bool isHexadecimal = text.starts_with("0x");
+    const char *const end = text.data() + text.size();
+    const char *const digits = text.data() + (isHexadecimal ? 2 : 0);
+    qint64 number = 0;
+    const auto [stop, error] = std::from_chars(digits, end, number, isHexadecimal ? 16 : 10);
+    const bool isNumber = error == std::errc() && stop == end && !(isHexadecimal && *digits == '-');
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
+
+CLI::Validator numberFrom(double least, double most, const std::string &text)
+{
+    const auto check = [=](const std::string &word) {
+        double number = 0;
+        const bool fits = CLI::detail::lexical_cast(word, number) && number >= least && number <= most;
+        return fits ? std::string() : "\"" + word + "\" should be " + text;
+    };
+    return {check, text};
+}
+
+CLI::Validator countRange() { return numberFrom(1, 1e9, "a number from 1 to 1000000000"); }
 
 }

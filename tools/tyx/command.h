@@ -5,6 +5,8 @@
 #include <QByteArrayView>
 #include <QJsonDocument>
 #include <QString>
+#include <optional>
+#include <string>
 
 namespace tyx {
 
@@ -19,6 +21,9 @@ enum Exit : int {
 // One line on standard error that names the thing, the place and the cure; yields Exit::Failed.
 [[nodiscard]] int fail(const QString &message);
 
+// The same for what was typed wrongly; yields Exit::Usage.
+[[nodiscard]] int refuse(const QString &message);
+
 // For a terminal, which should see no control characters: a name or a file from elsewhere may contain anything.
 QString printable(QByteArrayView text); // UTF-8
 
@@ -26,6 +31,17 @@ QString printable(QByteArrayView text); // UTF-8
 // written is told when the program ends.
 void printLine(const QString &line);
 void printJson(const QJsonDocument &document);
+
+// What was typed as a whole number: decimal, or hexadecimal behind "0x", and nothing around it.
+std::optional<qint64> wholeNumber(const std::string &text);
+
+// For output that somebody waits for. False when it is lost: nobody listens any more, or the disk is full.
+[[nodiscard]] bool flushOutput();
+
+// A range for an option. CLI11's own let "nan" pass, and say no short text.
+CLI::Validator numberFrom(double least, double most, const std::string &text);
+// How often something is to be seen.
+CLI::Validator countRange();
 
 // Each lives in the file of its name; `exit` outlives the parse.
 void addQueue(CLI::App &app, int &exit);

@@ -14,7 +14,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <unistd.h>
 
 namespace tyx {
 
@@ -32,12 +31,6 @@ struct Options {
     bool markdown = false;
 };
 
-int refuse(const QString &message)
-{
-    std::ignore = fail(message);
-    return Usage;
-}
-
 const Row *find(const std::string &name)
 {
     const auto rows = settings::allRows();
@@ -47,7 +40,7 @@ const Row *find(const std::string &name)
 
 int refuseName(const std::string &name)
 {
-    return refuse(QStringLiteral("there is no setting '%1'; see tyx settings list").arg(printable(name)));
+    return refuse(QStringLiteral("there is no setting \"%1\"; tyx settings list names them").arg(printable(name)));
 }
 
 QString nameOf(const Row &row) { return QString::fromLatin1(row.name); }
@@ -118,7 +111,7 @@ QString range(const Row &row)
         return names.join(QStringLiteral(", "));
     switch (row.type) {
     case Type::Text:
-        return QStringLiteral("a line of text");
+        return QStringLiteral("a line of text without blanks at its ends");
     case Type::Bool:
         return QStringLiteral("on, off");
     case Type::Bytes:
@@ -132,16 +125,13 @@ std::optional<QString> numberFor(const Row &row, const QString &value)
 {
     const auto named = std::ranges::find(
         row.values.choices, value, [](const settings::Choice &choice) { return QString::fromLatin1(choice.name); });
-    bool isNumber = true;
-    const bool isHexadecimal = value.startsWith(u"0x");
-    const qint64 number = named != row.values.choices.end() ? named->value
-        : isHexadecimal                                     ? value.mid(2).toLongLong(&isNumber, 16)
-                                                            : value.toLongLong(&isNumber);
-    const bool isChoice = row.values.choices.empty()
-        || std::ranges::find(row.values.choices, number, &settings::Choice::value) != row.values.choices.end();
-    if (!isNumber || !isChoice || number < row.values.lowest || number > row.values.highest)
+    const auto number =
+        named != row.values.choices.end() ? std::optional(named->value) : wholeNumber(value.toStdString());
+    if (!number || *number < row.values.lowest || *number > row.values.highest)
         return std::nullopt;
-    return QString::number(number);
+    const bool isChoice = row.values.choices.empty()
+        || std::ranges::find(row.values.choices, *number, &settings::Choice::value) != row.values.choices.end();
+    return isChoice ? std::optional(QString::number(*number)) : std::nullopt;
 }
 
 // What stands in the file for what a person wrote; nothing when it is no value of the setting.
@@ -173,6 +163,8 @@ std::optional<QString> parsed(const Row &row, const QString &value)
 // Why a setting could not be saved: its file, what is wrong with it, and what to do.
 QString whyNotSaved(const Row &row)
 {
+    const QString maker = row.place.file == settings::File::FlexBits ? QStringLiteral("the maker of the phone")
+                                                                     : QStringLiteral("tyx-guiserver");
     for (const QString &file : {settings::fileName(row.place.file), settings::copyName(row.place.file)}) {
         if (file.isEmpty())
             continue;
@@ -181,8 +173,8 @@ QString whyNotSaved(const Row &row)
             return QStringLiteral("%1: %2; make it a file that can be read").arg(file, bytes.error().text());
         const QFileInfo folder(QFileInfo(file).path());
         if (!folder.isDir())
-            return QStringLiteral("%1: there is no folder %2; tyx-guiserver makes it").arg(file, folder.filePath());
-        if (::access(qPrintable(folder.filePath()), W_OK) != 0)
+            return QStringLiteral("%1: there is no folder %2; %3 makes it").arg(file, folder.filePath(), maker);
+        if (!folder.isWritable())
             return QStringLiteral("%1: could not be saved; make its folder writable").arg(file);
     }
     return QStringLiteral("%1: could not be saved; check that the disk is not full, and that nobody holds %1.new")
@@ -306,7 +298,7 @@ int describe(const Options &options)
     return Done;
 }
 
-void printChange(const Row &row, const QString &text, bool asJson)
+bool printChange(const Row &row, const QString &text, bool asJson)
 {
     if (asJson) { // one object a line, so that a reader need not wait for the end
         const QJsonObject change{{QStringLiteral("name"), nameOf(row)},
@@ -315,7 +307,7 @@ void printChange(const Row &row, const QString &text, bool asJson)
     } else {
         printLine(nameOf(row) + u" = " + shownInList(row, text));
     }
-    std::fflush(stdout);
+    return flushOutput();
 }
 
 int watch(const Options &options)
@@ -346,9 +338,8 @@ int watch(const Options &options)
             const QString now = settings::readText(*row);
             if (std::exchange(text, now) == now)
                 continue;
-            printChange(*row, now, options.json);
-            if (++seen == options.count)
-                QCoreApplication::quit();
+            if (!printChange(*row, now, options.json) || ++seen == options.count)
+                return QCoreApplication::quit();
         }
     });
     std::fprintf(stderr, "tyx: watching %d settings\n", int(texts.size()));
@@ -360,7 +351,7 @@ int watch(const Options &options)
 
 void addSettings(CLI::App &app, int &exit)
 {
-    CLI::App *parent = app.add_subcommand("settings", "The settings of the system by name");
+    CLI::App *parent = app.add_subcommand("settings", "The settings of the system by name.");
     parent->require_subcommand(1);
     const auto options = std::make_shared<Options>();
     const auto add = [&](const char *name, const char *help, int (*run)(const Options &)) {
@@ -368,27 +359,27 @@ void addSettings(CLI::App &app, int &exit)
         action->callback([run, options, &exit] { exit = run(*options); }); // keeps what the options write into
         return action;
     };
-    const auto json = [&](CLI::App *action) { return action->add_flag("--json", options->json, "Print JSON"); };
+    const auto json = [&](CLI::App *action) { return action->add_flag("--json", options->json, "As JSON"); };
     const auto name = [&](CLI::App *action) { return action->add_option("NAME", options->name, "The setting"); };
 
-    json(add("list", "Prints every setting with its value", list));
+    json(add("list", "Prints every setting with its value.", list));
 
-    CLI::App *action = add("get", "Prints the value of a setting: the stored one, else the default", get);
+    CLI::App *action = add("get", "Prints the value of a setting: the stored one, else the default.", get);
     name(action)->required();
     json(action);
 
-    action = add("set", "Sets a setting, in its file and its working copy, and tells whoever has to know", set);
+    action = add("set", "Sets a setting, in its file and its working copy, and tells whoever has to know.", set);
     name(action)->required();
     action->add_option("VALUE", options->value, "The value, by its name or as a number")->required();
 
-    action = add("watch", "Prints settings as they change, until it is stopped", watch);
+    action = add("watch", "Prints settings as they change, until it is stopped.", watch);
     action->add_option("NAME", options->names, "Only these");
-    action->add_option("--count", options->count, "Stop after this many changes")->check(CLI::PositiveNumber);
+    action->add_option("--count", options->count, "Stop after this many changes")->check(countRange());
     json(action);
 
-    action = add("describe", "Tells where settings are kept, and what they may be", describe);
+    action = add("describe", "Tells where settings are kept, and what they may be.", describe);
     name(action);
-    json(action)->excludes(action->add_flag("--markdown", options->markdown, "Print a table"));
+    json(action)->excludes(action->add_flag("--markdown", options->markdown, "As a table for documents"));
 }
 
 }

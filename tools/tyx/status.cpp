@@ -9,9 +9,11 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QStringList>
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <sys/shm.h>
 #include <tl/expected.hpp>
 #include <vector>
 
@@ -30,17 +32,24 @@ struct Options {
     bool markdown = false;
 };
 
-// A line on standard error beside an exit status other than Failed.
-int answer(Exit status, const QString &message)
-{
-    std::ignore = fail(message);
-    return status;
-}
-
 QString text(std::string_view characters) { return QString::fromUtf8(characters.data(), qsizetype(characters.size())); }
+
+// Whether there is something under a table's key that cannot be used, which is then told.
+bool isBlocked(char project, int flags)
+{
+    const key_t key = ::ftok(status::kKeyFile, project);
+    if (key == -1 || ::shmget(key, status::kTableBytes, flags) >= 0 || errno == ENOENT)
+        return false;
+    std::ignore =
+        fail(QStringLiteral("the shared memory '%1' of %2 cannot be used: %3; tyx doctor tells the cure")
+                 .arg(QChar::fromLatin1(project), QString::fromLatin1(status::kKeyFile), qt_error_string(errno)));
+    return true;
+}
 
 int noTable()
 {
+    if (isBlocked(status::kTableProject, 0666))
+        return Failed;
     return fail(QStringLiteral("there is no status table here; start tyx-guiserver, or make one with tyx status init"));
 }
 
@@ -53,7 +62,7 @@ const Row *find(const std::string &name)
 
 int noSuchField(const std::string &name)
 {
-    return answer(Usage, QStringLiteral("there is no field \"%1\"; tyx status list names them").arg(printable(name)));
+    return refuse(QStringLiteral("there is no field \"%1\"; tyx status list names them").arg(printable(name)));
 }
 
 quint32 element(const SystemTableCopy &table, const Row &row, std::size_t index)
@@ -203,12 +212,11 @@ std::optional<QByteArray> encode(const Row &row, const std::string &value)
         return std::nullopt;
     QByteArray bytes;
     for (const QString &each : numbers) {
-        bool valid = false;
-        const uint number = each.startsWith(u"0x") ? each.mid(2).toUInt(&valid, 16) : each.toUInt(&valid);
-        if (!valid || number > row.max)
+        const auto number = wholeNumber(each.toStdString());
+        if (!number || *number < 0 || *number > row.max)
             return std::nullopt;
         for (int i = 0; i < row.width; ++i)
-            bytes.append(char(number >> (8 * i)));
+            bytes.append(char(*number >> (8 * i)));
     }
     return bytes;
 }
@@ -220,7 +228,7 @@ int set(const Options &options)
         return noSuchField(options.field);
     const auto bytes = encode(*row, options.value);
     if (!bytes)
-        return answer(Usage,
+        return refuse(
             QStringLiteral("%1 takes %2, not \"%3\"").arg(text(row->name), expected(*row), printable(options.value)));
     const std::span<const char> characters(bytes->constData(), std::size_t(bytes->size()));
     const auto written =
@@ -271,15 +279,12 @@ private:
                 before.bytes + row->offset, before.bytes + row->offset + row->size(), now.bytes + row->offset);
             if (same)
                 continue;
-            printChange(*row, now);
-            if (++m_printed == m_options.count) {
-                QCoreApplication::exit(Done);
-                return;
-            }
+            if (!printChange(*row, now) || ++m_printed == m_options.count)
+                return QCoreApplication::exit(Done); // that output is lost is told by main()
         }
     }
 
-    void printChange(const Row &row, const SystemTableCopy &now) const
+    [[nodiscard]] bool printChange(const Row &row, const SystemTableCopy &now) const
     {
         if (m_options.json) {
             const QJsonObject change{
@@ -288,8 +293,7 @@ private:
         } else {
             printLine(text(row.name) + u' ' + valueText(now, row));
         }
-        if (std::fflush(stdout) != 0)
-            QCoreApplication::exit(Done); // nobody listens any more; main() tells
+        return flushOutput();
     }
 
     const Options &m_options;
@@ -324,6 +328,10 @@ int init(const Options & /*options*/)
     if (const auto made = platform::makeKeyFile(status::kKeyFile); !made)
         return fail(QStringLiteral("%1: %2; remove what is there")
                         .arg(QString::fromLatin1(status::kKeyFile), made.error().text()));
+    for (const char project : {status::kTableProject, 'n'}) {
+        if (isBlocked(project, IPC_CREAT | 0777))
+            return Failed;
+    }
     UTIL_CreateSystemStatusTable();
     UTIL_InitSystemTable();
     UTIL_CreateApplicationManagerStatusTable();
@@ -348,11 +356,11 @@ void addStatus(CLI::App &app, int &exit)
     const auto field = [&](CLI::App *command) {
         command->add_option("FIELD", options->field, "The field, for example battery-level")->required();
     };
-    const auto json = [&](CLI::App *command) { command->add_flag("--json", options->json, "As JSON"); };
+    const auto json = [&](CLI::App *command) { return command->add_flag("--json", options->json, "As JSON"); };
 
     CLI::App *command = add("list", "Lists all fields: offset, type, name, value.", list);
-    json(command);
-    command->add_flag("--markdown", options->markdown, "The layout as a table for documents, without values");
+    json(command)->excludes(
+        command->add_flag("--markdown", options->markdown, "The layout as a table for documents, without values"));
 
     command = add("get", "Prints a field.", get);
     field(command);
@@ -365,7 +373,7 @@ void addStatus(CLI::App &app, int &exit)
 
     command = add("watch", "Prints what changes, as it changes, until it is stopped.", watch);
     command->add_option("FIELD", options->fields, "Only these fields");
-    command->add_option("--count", options->count, "Stop after so many lines")->check(CLI::PositiveNumber);
+    command->add_option("--count", options->count, "Stop after so many lines")->check(countRange());
     json(command);
 
     add("dump", "Prints all bytes with the fields that they belong to.", dump);
