@@ -63,6 +63,8 @@ void TstTyxDoctor::namesTheFaultAndTheCure_data()
                                        << u"remove it"_s;
     QTest::newRow("a segment of the wrong size")
         << u"touch /tmp/key_testcommand"_s << u"/tmp/key_testcommand 'm'"_s << u"ipcrm -m"_s;
+    QTest::newRow("a segment that its owner may not use")
+        << u"touch /tmp/key_testcommand"_s << u"/tmp/key_testcommand 'n'"_s << u"ipcrm -m"_s;
     QTest::newRow("a broken settings file")
         << u"printf '[A]\\nb=1\\njunk\\n' > /tmp/tyx_system.cfg"_s << u"/tmp/tyx_system.cfg"_s << u"tyx config check"_s;
     QTest::newRow("a folder instead of settings")
@@ -80,10 +82,15 @@ void TstTyxDoctor::namesTheFaultAndTheCure()
     QFETCH(QString, place);
     QFETCH(QString, cure);
     QCOMPARE(run(u"/bin/sh"_s, {u"-c"_s, damage}).status, 0);
-    const key_t key = ::ftok(kKeyFile, 'm');
-    const int segment = key == -1 ? -1 : ::shmget(key, 100, IPC_CREAT | 0600);
+    const auto make = [](char project, std::size_t size, int mode) {
+        const key_t key = ::ftok(kKeyFile, project);
+        return key == -1 ? -1 : ::shmget(key, size, IPC_CREAT | mode);
+    };
+    const int small = make('m', 100, 0600);
+    const int closed = make('n', 4096, 0232); // as the lookup of a program makes it before there is a phone
     const QJsonArray all = findings(1);
-    ::shmctl(segment, IPC_RMID, nullptr);
+    ::shmctl(small, IPC_RMID, nullptr);
+    ::shmctl(closed, IPC_RMID, nullptr);
     run(u"/bin/sh"_s,
         {u"-c"_s, u"rm -rf /tmp/key_testcommand /tmp/touch_sound_msg /tmp/tyx_* /tmp/qcop-* /tmp/run/tyx-bus"_s});
     const QJsonObject finding = about(all, place);

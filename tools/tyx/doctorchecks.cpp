@@ -12,7 +12,7 @@
 #include <ZConfig>
 #include <algorithm>
 #include <cstring>
-#include <sys/ipc.h>
+#include <sys/msg.h>
 #include <sys/shm.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -95,6 +95,7 @@ struct Keyed {
 constexpr Keyed kKeyed[] = {
     {"/tmp/key_testcommand", 'm', "status table", 4096},
     {"/tmp/key_testcommand", 'n', "application manager's table", 4096},
+    {"/tmp/key_testcommand", 'w', "changes of the status table", 8},
     {"/tmp/touch_sound_msg", 't', "sound queue", 0},
 };
 
@@ -135,59 +136,43 @@ QList<Finding> keyFileFindings()
     return findings;
 }
 
-// ftok() folds a file's number into 16 bits: two files may mean one key, and a key may be 0, which is nobody's.
-QList<Finding> keyFindings()
+int idOf(const Keyed &keyed, key_t key, int access)
 {
-    QList<Finding> findings;
-    std::vector<std::pair<key_t, const Keyed *>> keys;
-    for (const Keyed &keyed : kKeyed) {
-        const key_t key = ::ftok(keyed.file, keyed.project);
-        if (key == -1)
-            continue; // told with the file
-        const QString replace =
-            QStringLiteral("stop the phone, remove %1 and start again").arg(QLatin1String(keyed.file));
-        if (key == IPC_PRIVATE)
-            findings.append(
-                wrong(nameOf(keyed), QStringLiteral("its key is 0: every program gets an object of its own"), replace));
-        const auto other = std::ranges::find(keys, key, [](const auto &known) { return known.first; });
-        if (other != keys.end())
-            findings.append(
-                wrong(nameOf(keyed), QStringLiteral("has the same key as %1").arg(nameOf(*other->second)), replace));
-        keys.emplace_back(key, &keyed);
-    }
-    if (findings.isEmpty() && !keys.empty())
-        findings.append(fine(QStringLiteral("keys"), QStringLiteral("%1, all different").arg(keys.size())));
-    return findings;
+    return keyed.segmentSize != 0 ? ::shmget(key, 0, access) : ::msgget(key, access);
 }
 
-QList<Finding> segments()
+// Another program's object under one of our keys shows by its size or its mode. Ours among themselves cannot collide:
+// the project id is the key's highest byte.
+Finding keyedObject(const Keyed &keyed, key_t key)
+{
+    const int id = idOf(keyed, key, 0);
+    if (id < 0)
+        return errno == ENOENT ? note(nameOf(keyed), QStringLiteral("not made yet; tyx-guiserver makes it"))
+                               : wrong(nameOf(keyed), errorText(errno), QStringLiteral("run as its owner"));
+    const QString remove = QStringLiteral("stop the phone, ipcrm %1 %2, and start again")
+                               .arg(keyed.segmentSize != 0 ? QStringLiteral("-m") : QStringLiteral("-q"))
+                               .arg(id);
+    if (idOf(keyed, key, 0666) < 0) // as the programs of the phone ask for it
+        return wrong(nameOf(keyed), QStringLiteral("you may not use it: %1").arg(errorText(errno)), remove);
+    if (keyed.segmentSize == 0)
+        return fine(nameOf(keyed), QStringLiteral("can be used"));
+    shmid_ds status = {};
+    if (::shmctl(id, IPC_STAT, &status) != 0)
+        return wrong(nameOf(keyed), errorText(errno), remove);
+    if (status.shm_segsz != keyed.segmentSize)
+        return wrong(nameOf(keyed),
+            QStringLiteral("has %1 bytes instead of %2").arg(status.shm_segsz).arg(keyed.segmentSize), remove);
+    return fine(
+        nameOf(keyed), QStringLiteral("%1 bytes, belongs to %2").arg(status.shm_segsz).arg(owner(status.shm_perm.uid)));
+}
+
+QList<Finding> keyedObjects()
 {
     QList<Finding> findings;
     for (const Keyed &keyed : kKeyed) {
-        const key_t key = keyed.segmentSize != 0 ? ::ftok(keyed.file, keyed.project) : -1;
-        if (key == -1 || key == IPC_PRIVATE)
-            continue;
-        const int id = ::shmget(key, 0, 0);
-        shmid_ds status = {};
-        if (id < 0 || ::shmctl(id, IPC_STAT, &status) != 0) {
-            findings.append(errno == ENOENT
-                    ? note(nameOf(keyed), QStringLiteral("not made yet; tyx-guiserver makes it"))
-                    : wrong(nameOf(keyed), errorText(errno), QStringLiteral("run as its owner")));
-            continue;
-        }
-        const QString remove = QStringLiteral("stop the phone, ipcrm -m %1, and start again").arg(id);
-        if (status.shm_segsz != keyed.segmentSize)
-            findings.append(wrong(nameOf(keyed),
-                QStringLiteral("has %1 bytes instead of %2").arg(status.shm_segsz).arg(keyed.segmentSize), remove));
-        else if ((status.shm_perm.mode & 0666) != 0666 && status.shm_perm.uid != ::geteuid())
-            findings.append(wrong(nameOf(keyed),
-                QStringLiteral("belongs to %1, mode %2: you may not use it")
-                    .arg(owner(status.shm_perm.uid))
-                    .arg(status.shm_perm.mode & 0777, 4, 8, QLatin1Char('0')),
-                remove));
-        else
-            findings.append(fine(nameOf(keyed),
-                QStringLiteral("%1 bytes, belongs to %2").arg(status.shm_segsz).arg(owner(status.shm_perm.uid))));
+        const key_t key = ::ftok(keyed.file, keyed.project);
+        if (key != -1) // otherwise told with the file
+            findings.append(keyedObject(keyed, key));
     }
     return findings;
 }
@@ -286,8 +271,7 @@ QList<Check> doctorChecks()
         {"temporary files", temporaryFolder},
         {"bus", bus},
         {"key files", keyFileFindings},
-        {"keys", keyFindings},
-        {"shared memory", segments},
+        {"shared objects", keyedObjects},
         {"folders", folders},
         {"configuration", configurations},
         {"waiting messages", waitingMessages},
