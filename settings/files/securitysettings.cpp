@@ -46,7 +46,7 @@ bool SETUP_Utility::setKeyLockTime(int seconds) { return store(keys::keyLockTime
 bool SETUP_Utility::getInstantPhoneLockStatus(bool &on) { return load(keys::instantLock, on); }
 bool SETUP_Utility::setInstantPhoneLockStatus(bool on) { return store(keys::instantLock, on); }
 
-bool SETUP_Utility::setPhoneLockCode(QString const &code) { return !code.isEmpty() && store(keys::unlockCode, code); }
+bool SETUP_Utility::setPhoneLockCode(QString const &code) { return store(keys::unlockCode, code); }
 bool SETUP_Utility::verifyUnlockCode(QString const &code, bool &right) { return verify(keys::unlockCode, code, right); }
 bool SETUP_Utility::verifySecurityCode(QString const &code, bool &right) { return verify(keys::securityCode, code, right); }
 // clang-format on

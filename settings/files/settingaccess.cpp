@@ -80,6 +80,13 @@ bool isStorable(const QString &text)
     return !text.contains(u'\n') && !text.contains(u'\r') && text.trimmed() == text;
 }
 
+bool mayBeEmpty(const Row &row) { return !row.isSecret && row.effect != Effect::FollowLanguage; }
+
+bool isStorable(const Row &row, const QString &text)
+{
+    return isStorable(text) && (!text.isEmpty() || mayBeEmpty(row));
+}
+
 bool isChangeable(const QString &file)
 {
     const auto bytes = config::readFile(file);
@@ -116,7 +123,7 @@ bool follow(Effect effect, const QString &text)
 
 bool writeText(const Row &row, const QString &text)
 {
-    if (!isStorable(text))
+    if (!isStorable(row, text))
         return false;
     const QString value = text.isNull() ? QStringLiteral("") : text; // a null one would be no value at all
     return writeInto(fileName(row.place.file), row, value)

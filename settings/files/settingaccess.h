@@ -44,7 +44,11 @@ template <typename T, typename Value> bool load(const Setting<T> &setting, Value
 
 // False for a text that would not come back as it was given (a line break, white space at an end): it could bring
 // settings of its own into the file.
-TYX_EXPORT bool isStorable(const QString &text);
+bool isStorable(const QString &text);
+
+// Codes and the language are never empty either: no code would mean the default one.
+TYX_EXPORT bool mayBeEmpty(const Row &row);
+TYX_EXPORT bool isStorable(const Row &row, const QString &text);
 
 // A setting as text, as it stands in its file.
 TYX_EXPORT QString readText(const Row &row);

@@ -109,7 +109,7 @@ QString ofLanguage(QStringView path)
 
 // clang-format off
 bool SETUP_Utility::getUserDefinedLanguageType(QString &code) { return load(keys::userLanguage, code); }
-bool SETUP_Utility::setLanguageType(QString code) { return !code.isEmpty() && store(keys::language, code); }
+bool SETUP_Utility::setLanguageType(QString code) { return store(keys::language, code); }
 bool SETUP_Utility::verifyAutoLanguageCode(int code) { return !settings::inputLanguageCode(code).isNull(); }
 
 bool SETUP_Utility::getAutoPowerOffStatus(bool &on) { return load(keys::powerOffStatus, on); }

@@ -52,6 +52,7 @@ void TstTyxSettings::setsAndGets_data()
     };
     row("bluetooth-name", "my phone", 0, "my phone");
     row("bluetooth-name", "my\nphone", 2, "Q300 BT");
+    row("lock-code", "", 2, "1234"); // it would mean the default one
     row("bluetooth", "on", 0, "on");
     row("voice-help", "0", 0, "off");
     row("bluetooth", "maybe", 2, "off");

@@ -111,7 +111,8 @@ QString range(const Row &row)
         return names.join(QStringLiteral(", "));
     switch (row.type) {
     case Type::Text:
-        return QStringLiteral("a line of text without blanks at its ends");
+        return QStringLiteral("a line of text without blanks at its ends")
+            + (settings::mayBeEmpty(row) ? u"" : u", not empty");
     case Type::Bool:
         return QStringLiteral("on, off");
     case Type::Bytes:
@@ -139,7 +140,7 @@ std::optional<QString> parsed(const Row &row, const QString &value)
 {
     switch (row.type) {
     case Type::Text:
-        return settings::isStorable(value) ? std::optional(value) : std::nullopt;
+        return settings::isStorable(row, value) ? std::optional(value) : std::nullopt;
     case Type::Bool:
         for (const char16_t *on : {u"on", u"1", u"true", u"yes"}) {
             if (value == QStringView(on))
