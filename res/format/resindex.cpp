@@ -13,7 +13,7 @@ namespace {
 // Short chains are no reason for an index.
 constexpr quint32 kShortChain = 64;
 
-// Making the index costs as much as this many steps for every slot of the table (measured: 40 to 100).
+// Making the index is taken to cost as much as this many steps for every slot of the table: an estimate.
 constexpr quint64 kStepsPerSlot = 64;
 
 // At most eight hexadecimal digits of either case, up to the first character that is none.
