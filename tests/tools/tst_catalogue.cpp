@@ -25,6 +25,7 @@ namespace {
 // Acted on before the table of its channel is looked at, or by applications and not by the library.
 const QStringList kWithoutRow = {
     u"TYX/System languageChanged()"_s,
+    u"TYX/System SetGuiToResume()"_s,
     u"TYX/Application/NAME sendTextToContact(QString)"_s,
 };
 
