@@ -36,7 +36,7 @@ QJsonArray findings(int status)
 
 QJsonObject about(const QJsonArray &all, const QString &place)
 {
-    for (const QJsonValue &finding : all) {
+    for (const auto &finding : all) {
         if (finding[u"about"].toString().startsWith(place))
             return finding.toObject();
     }

@@ -115,7 +115,7 @@ void TstTyxSettings::describesEverySettingAsTheDocumentDoes()
     const QJsonObject list = QJsonDocument::fromJson(settings({u"list"_s, u"--json"_s}).out).object();
     const QJsonArray all = QJsonDocument::fromJson(settings({u"describe"_s, u"--json"_s}).out).array();
     QCOMPARE(all.size(), list.size());
-    for (const QJsonValue &each : all) {
+    for (const auto &each : all) {
         const QJsonObject row = each.toObject();
         const QString name = row[u"name"_s].toString();
         QVERIFY2(

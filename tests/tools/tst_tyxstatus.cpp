@@ -132,7 +132,7 @@ void TstTyxStatus::everyFieldIsListed()
     for (const QByteArray &line : dump.split('\n'))
         bytes += int(QByteArray::fromHex(line.mid(7, 47)).size());
     QCOMPARE(bytes, 1456);
-    for (const QJsonValue &each : fields) {
+    for (const auto &each : fields) {
         const QJsonObject field = each.toObject();
         const QByteArray name = field[u"name"].toString().toUtf8();
         QVERIFY(text.contains(QByteArray(' ' + name + ' ')));

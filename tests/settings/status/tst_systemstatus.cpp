@@ -264,7 +264,7 @@ void TstSystemStatus::aNumberTouchesItsOwnBytesAlone()
     pair.set(0x84838281);
     const quint32 value = row.max == 1 ? 1 : 0x84838281 & row.max;
     for (std::size_t i = 0; i < row.size(); ++i)
-        expected[qsizetype(row.offset + i)] = char(value >> (8 * i));
+        expected[qsizetype(row.offset) + qsizetype(i)] = char(value >> (8 * i));
     QCOMPARE(table.at(0, status::kTableBytes), expected);
     QCOMPARE(pair.get(), value);
     pair.set(0);
