@@ -143,9 +143,7 @@ void TstLook::palettes_data()
                          << u"#abcdef"_s;
     QTest::newRow("unknown keys") << QByteArray("[COLOR_PALETTE]\nNoRole=x\nNColorRoles=x\nX=y\n") << window << text;
     QTest::newRow("other group") << QByteArray("[X]\nWindow = #102030\n") << window << text;
-    for (const char *color : {"", "red", "#12345", "#12345g", "#1234567",
-             "#\xc3\xa4"
-             "bcdef"})
+    for (const char *color : {"", "red", "#12345", "#12345g", "#1234567", "#\303\244bcdef"})
         QTest::addRow("no colour: %s", color) << "[COLOR_PALETTE]\nText=#102030\nWindow=" + QByteArray(color) + '\n'
                                               << window << text;
 }
