@@ -1,0 +1,260 @@
+// The text field of the phone: several rows, wrapped, with a cursor, a selection, and a memory of every change.
+#pragma once
+
+#include "platform/tyxexport.h"
+#include "platform/values/qcstring.h"
+#include "platform/values/qregexp.h"
+
+#include <QAbstractScrollArea>
+#include <memory>
+
+class QValidator;
+class ZMultiLineData;
+class ZMultiLineEditCommand;
+
+// Rows are what the reader sees: a paragraph that is too long for one goes on in the next. Rows and columns count from
+// 0; columns and lengths count UTF-16 units; a line break counts as one, the place where a row wraps as none. Positions
+// outside of the text mean the nearest one inside.
+//
+// Everything that changes the text can be undone, except setText() and the cutting done by the setters of limits, after
+// which there is nothing to undo. Signals are emitted when the operation is complete: whoever receives one may call
+// anything, and destroy the editor.
+//
+// An editor tells the GUI server of itself when it is made, by ZApplication::registerEditor(); without a ZApplication
+// it is an editor for its process only. Input methods write into it as into any widget.
+class TYX_EXPORT ZMultiLineEdit : public QAbstractScrollArea { // name fixed
+    Q_OBJECT
+    Q_PROPERTY(int numLines READ numLines)
+    Q_PROPERTY(bool atBeginning READ atBeginning)
+    Q_PROPERTY(bool atEnd READ atEnd)
+    Q_PROPERTY(int maxLineWidth READ maxLineWidth)
+    Q_PROPERTY(Qt::Alignment alignment READ alignment WRITE setAlignment)
+    Q_PROPERTY(bool edited READ edited WRITE setEdited)
+    Q_PROPERTY(EchoMode echoMode READ echoMode WRITE setEchoMode)
+    Q_PROPERTY(int maxLength READ maxLength WRITE setMaxLength)
+    Q_PROPERTY(int maxLines READ maxLines WRITE setMaxLines)
+    Q_PROPERTY(int hMargin READ hMargin WRITE setHMargin)
+    Q_PROPERTY(WordWrap wordWrap READ wordWrap WRITE setWordWrap)
+    Q_PROPERTY(int wrapColumnOrWidth READ wrapColumnOrWidth WRITE setWrapColumnOrWidth)
+    Q_PROPERTY(WrapPolicy wrapPolicy READ wrapPolicy WRITE setWrapPolicy)
+    Q_PROPERTY(bool autoUpdate READ autoUpdate WRITE setAutoUpdate DESIGNABLE false)
+    Q_PROPERTY(bool undoEnabled READ isUndoEnabled WRITE setUndoEnabled)
+    Q_PROPERTY(int undoDepth READ undoDepth WRITE setUndoDepth)
+    Q_PROPERTY(bool readOnly READ isReadOnly WRITE setReadOnly)
+    Q_PROPERTY(bool overWriteMode READ isOverwriteMode WRITE setOverwriteMode)
+    Q_PROPERTY(int length READ length)
+
+public:
+    enum EchoMode { Normal, NoEcho, Password };
+    Q_ENUM(EchoMode)
+    enum WordWrap { NoWrap, WidgetWidth, FixedPixelWidth, FixedColumnWidth };
+    Q_ENUM(WordWrap)
+    enum WrapPolicy { AtWhiteSpace, Anywhere };
+    Q_ENUM(WrapPolicy)
+
+    struct ZMultiLineEditRow { // name fixed
+        QString s;
+        int w = 0; // pixels
+        bool newline = false; // the row ends a paragraph: a line break follows, or the text ends
+    };
+
+    explicit ZMultiLineEdit(QWidget *parent = nullptr, const char *name = nullptr);
+    // In field mode the editor is one field of a form, which sees the keys that leave the field. The number has no
+    // meaning.
+    ZMultiLineEdit(QWidget *parent, bool fieldMode, int reserved, const char *name = nullptr);
+    ~ZMultiLineEdit() override;
+
+    // Text.
+    [[nodiscard]] QString text() const;
+    [[nodiscard]] QString textLine(int row) const; // null when there is no such row
+    [[nodiscard]] QString getRowString(int row) const { return textLine(row); }
+    [[nodiscard]] ZMultiLineEditRow row(int row) const;
+    [[nodiscard]] bool isEndOfParagraph(int row) const;
+    [[nodiscard]] int numLines() const; // rows; at least 1
+    [[nodiscard]] int length() const;
+    [[nodiscard]] int maxLineWidth() const;
+    [[nodiscard]] bool edited() const; // by anything, since setText() or setEdited(false)
+    void setEdited(bool on);
+
+    // Without the cursor being there. With `mark` the new text is marked.
+    virtual void insertAt(const QString &s, int line, int col, bool mark = false);
+    virtual void insertLine(const QString &s, int line = -1); // as a paragraph before that row; -1: at the end
+    virtual void removeLine(int line);
+
+    // Cursor and marked text.
+    void cursorPosition(int *line, int *col) const;
+    void getCursorPosition(int *line, int *col) const { cursorPosition(line, col); }
+    virtual void setCursorPosition(int line, int col, bool mark = false);
+    [[nodiscard]] QPoint cursorPoint() const; // the lower end of the cursor, in the viewport
+    [[nodiscard]] QRect globalRect(int line1, int col1, int line2, int col2) const; // on the screen
+    [[nodiscard]] bool atBeginning() const;
+    [[nodiscard]] bool atEnd() const;
+    [[nodiscard]] QString markedText() const;
+    [[nodiscard]] bool hasMarkedText() const;
+    bool getMarkedRegion(int *line1, int *col1, int *line2, int *col2) const; // false and -1: nothing is marked
+    void setSelection(int rowFrom, int colFrom, int rowTo, int colTo); // the cursor goes to the second place
+
+    // What may be typed. The filter sees one character at a time; with `accept` those that match are let through, else
+    // those that do not. The validator sees the whole text, and only what would make it Invalid is refused; it belongs
+    // to the caller. Neither is asked by setText(), nor about what is taken away, undone or redone.
+    void setFilter(const QRegExp &filter, bool accept = true);
+    virtual bool isValidChar(const QChar &c) const;
+    void filterString(QString &result, const QString &s) const; // what of `s` is let through; line breaks are
+    void setValidator(const QValidator *validator);
+    [[nodiscard]] const QValidator *validator() const;
+
+    // Limits. -1: none. What is inserted is cut to them, and textTrancated() tells it.
+    void setMaxLength(int n); // of the whole text; cuts what is there
+    [[nodiscard]] int maxLength() const;
+    void setMaxLineLength(int n); // of a row; cuts what is there
+    [[nodiscard]] int maxLineLength() const;
+    void setMaxLines(int n); // rows; 0 means -1. Up to 6 the height of the widget is fixed. Cuts nothing that is there
+    [[nodiscard]] int maxLines() const;
+
+    // Rows.
+    void setWordWrap(WordWrap mode);
+    [[nodiscard]] WordWrap wordWrap() const;
+    void setWrapColumnOrWidth(int n);
+    [[nodiscard]] int wrapColumnOrWidth() const;
+    void setWrapPolicy(WrapPolicy policy);
+    [[nodiscard]] WrapPolicy wrapPolicy() const;
+    void setDefaultTabStop(int pixels);
+    [[nodiscard]] int defaultTabStop() const;
+    virtual void rebreakAll();
+    virtual void rebreakParagraph(int row);
+    virtual void wrapLine(int row, int removed = 0); // the paragraph with the row
+
+    // Look.
+    void setUnderline(bool on); // a line under every row, as on paper
+    [[nodiscard]] bool getUnderline() const;
+    void setHMargin(int pixels);
+    [[nodiscard]] int hMargin() const;
+    void setAlignment(Qt::Alignment alignment);
+    [[nodiscard]] Qt::Alignment alignment() const;
+    void setEchoMode(EchoMode mode);
+    [[nodiscard]] EchoMode echoMode() const;
+    void setFixedVisibleLines(int lines); // 0: as the layout has it
+    void setFont(const QFont &font);
+    void setAutoUpdate(bool on);
+    [[nodiscard]] bool autoUpdate() const;
+
+    // Modes.
+    [[nodiscard]] bool isReadOnly() const;
+    [[nodiscard]] bool isOverwriteMode() const;
+    [[nodiscard]] bool fieldMode() const;
+    void setUndoEnabled(bool on); // off: nothing is recorded; what is recorded is kept
+    [[nodiscard]] bool isUndoEnabled() const;
+    void setUndoDepth(int n); // commands that are kept; a longer list shrinks with the next commands
+    [[nodiscard]] int undoDepth() const;
+
+    [[nodiscard]] int editorId() const; // as the GUI server knows it; 0: it does not
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
+public Q_SLOTS: // the order is fixed
+    virtual void setText(const QString &s);
+    virtual void setReadOnly(bool on);
+    virtual void setOverwriteMode(bool on);
+    void clear();
+    void append(const QString &s);
+    void deselect();
+    void selectAll();
+    void smartPunctuation(); // a closing character behind "word " goes to the word, if an input method asked for it
+    void paste();
+    void pasteSubType(const QCString &subType); // of "text/"; "" means "plain"
+    void copyText();
+    void copy(); // nothing while a password is shown as stars
+    void cut();
+    void deleteText(); // the marked text
+    void insert(const QString &s); // in the place of the marked text, or at the cursor
+    void undo();
+    void redo();
+
+Q_SIGNALS: // the order is fixed
+    void clicked();
+    void textTrancated(); // name fixed: text was cut to a limit
+    void textChanged();
+    void returnPressed();
+    void undoAvailable(bool available);
+    void redoAvailable(bool available);
+    void copyAvailable(bool available);
+    void cursorChanged(int row, int column);
+    void bufferUpdate(int length, int cursor); // after each change of the text; offsets
+    void contentChanged(); // the size that the text needs is another one
+    void changeSizeHint(QWidget *editor, QSize size, QPoint cursor, int lines);
+    void linesChanged(int lines, QPoint cursor);
+    void rightSmartPuncOccurred();
+
+protected:
+    // Typing. Each is one step to undo, or joins the last one.
+    void insert(const QString &s, bool mark);
+    virtual void insertChar(QChar c);
+    virtual void newLine();
+    virtual void backspace();
+    virtual void del();
+    virtual void killLine(); // what follows in the row; at its end, the line break
+    virtual void cursorLeft(bool mark = false);
+    virtual void cursorRight(bool mark = false);
+    virtual void cursorUp(bool mark = false);
+    virtual void cursorDown(bool mark = false);
+    virtual void cursorWordForward(bool mark = false);
+    virtual void cursorWordBackward(bool mark = false);
+    virtual void home(bool mark = false);
+    virtual void end(bool mark = false);
+    virtual void pageUp(bool mark = false);
+    virtual void pageDown(bool mark = false);
+
+    // Undo; each takes ownership of its command.
+    void addUndoCmd(ZMultiLineEditCommand *c);
+    void addRedoCmd(ZMultiLineEditCommand *c);
+    void processCmd(ZMultiLineEditCommand *c, bool undo); // does not own it
+
+    // True: the key was for the predictive input method.
+    virtual bool keyPressEvent_iWex(QKeyEvent *event);
+    virtual void paintCell(QPainter *painter, int row, int col = 0);
+    // The same for rows with text that an input method has not confirmed, and for the paragraph around the cursor.
+    virtual void paintCell_iWex(QPainter *painter, int row, int col = 0);
+    virtual void wrapLine_iWex(const QString &composition, int cursor);
+    void startAutoScroll();
+    void stopAutoScroll();
+    // Tells the layout around the editor what it needs: changeSizeHint() and contentChanged().
+    virtual void sendPackage(const QSize &size, const QPoint &cursor, int lines);
+
+    bool event(QEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private Q_SLOTS:
+    void clipboardChanged();
+    void blinkTimerTimeout();
+    void scrollTimerTimeout();
+    void dndTimeout();
+    void bufferUpdate();
+    void changeContentSize(int lines, QPoint cursor);
+
+private:
+    friend class EditorKeys;
+    friend class ZMultiLineData;
+    void init(QWidget *parent, bool fieldMode, int reserved, const char *name);
+    void deleteNextChar();
+
+    std::unique_ptr<ZMultiLineData> d;
+};

@@ -1,0 +1,167 @@
+// Input methods: text that is not confirmed yet, and what they may know of the editor. Focus and blinking.
+#include "editor/widget/predictiveinput.h"
+#include "editor/widget/zmultilineedit_p.h"
+
+#include <QApplication>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QStyleHints>
+
+using Operation = ZMultiLineData::Operation;
+
+namespace {
+
+int cursorOf(const QInputMethodEvent &event)
+{
+    for (const QInputMethodEvent::Attribute &attribute : event.attributes()) {
+        if (attribute.type == QInputMethodEvent::Cursor)
+            return attribute.start;
+    }
+    return int(event.preeditString().size());
+}
+
+}
+
+bool ZMultiLineEdit::keyPressEvent_iWex(QKeyEvent *event)
+{
+    PredictiveInput *input = PredictiveInput::instance();
+    if (!input || d->echoMode != Normal || !input->filterKey(*this, *event))
+        return false;
+    d->damageRows(d->cursorCell().row, d->cursorCell().row);
+    return true;
+}
+
+void ZMultiLineEdit::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (d->readOnly)
+        return event->ignore();
+    const Operation operation(*d);
+    event->accept();
+    const QString commit = event->commitString();
+    d->dropComposition();
+    const bool group = event->replacementLength() > 0 && !commit.isEmpty(); // one word for another is one step
+    if (group)
+        d->record(new UTIL_BeginCommand);
+    if (event->replacementLength() > 0) {
+        const int from = std::clamp(d->cursor + event->replacementStart(), 0, d->text.length());
+        d->deleteRange(from, std::min(from + event->replacementLength(), d->text.length()));
+        d->moveCursor({.offset = from, .exact = true});
+    }
+    if (!commit.isEmpty()) {
+        d->insertTyped(commit, false);
+        // A word with the space behind it: punctuation that follows goes to the word.
+        const bool isWord = commit.size() > 1 && commit.endsWith(u' ') && PredictiveInput::instance();
+        d->smartPunctuationAt = isWord ? d->cursor : -1;
+    }
+    if (group)
+        d->record(new UTIL_EndCommand);
+    if (!event->preeditString().isEmpty()) {
+        if (d->isMarked())
+            del();
+        QString text = event->preeditString();
+        text.replace(u'\n', u' ');
+        wrapLine_iWex(text, cursorOf(*event));
+    }
+}
+
+void ZMultiLineEdit::wrapLine_iWex(const QString &composition, int cursor)
+{
+    const Operation operation(*d);
+    d->layout.setComposition({d->cursor, composition, cursor});
+    d->compositionChanged();
+}
+
+void ZMultiLineData::compositionChanged()
+{
+    damageAll();
+    cursorMoved = true;
+}
+
+QVariant ZMultiLineEdit::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    const TextModel::Place place = d->text.place(d->cursor);
+    const bool open = d->echoMode == Normal;
+    switch (query) {
+    case Qt::ImEnabled:
+        return !d->readOnly;
+    case Qt::ImReadOnly:
+        return d->readOnly;
+    case Qt::ImCursorRectangle:
+        return d->cursorRect().translated(viewport()->pos());
+    case Qt::ImFont:
+        return font();
+    case Qt::ImCursorPosition:
+        return place.column;
+    case Qt::ImAbsolutePosition:
+        return d->cursor;
+    case Qt::ImSurroundingText:
+        return open ? d->paragraph() : QString();
+    case Qt::ImTextBeforeCursor:
+        return open ? d->paragraph().left(place.column) : QString();
+    case Qt::ImTextAfterCursor:
+        return open ? d->paragraph().mid(place.column) : QString();
+    case Qt::ImCurrentSelection:
+        return open ? markedText() : QString();
+    case Qt::ImAnchorPosition:
+        return d->isMarked() ? std::clamp(d->anchor - d->text.start(place.paragraph), 0, int(d->paragraph().size()))
+                             : place.column;
+    case Qt::ImMaximumTextLength:
+        return d->maxLength > 0 ? QVariant(d->maxLength) : QVariant();
+    case Qt::ImHints:
+        return int(inputMethodHints() | Qt::ImhMultiLine | (open ? Qt::ImhNone : Qt::ImhHiddenText));
+    default:
+        return QAbstractScrollArea::inputMethodQuery(query);
+    }
+}
+
+void ZMultiLineData::blinkAgain()
+{
+    if (!editor.hasFocus() || readOnly)
+        return;
+    if (const int half = QApplication::cursorFlashTime() / 2; half > 0) // 0: it does not blink
+        blinkTimer.start(half);
+    cursorOn = true;
+    damageRows(cursorCell().row, cursorCell().row);
+}
+
+void ZMultiLineEdit::blinkTimerTimeout()
+{
+    const Operation operation(*d);
+    d->cursorOn = !d->cursorOn;
+    const int row = d->cursorCell().row;
+    d->damageRows(row, d->layout.composition().text.isEmpty() ? row : row + 1);
+}
+
+void ZMultiLineEdit::focusInEvent(QFocusEvent *event)
+{
+    const Operation operation(*d);
+    QAbstractScrollArea::focusInEvent(event);
+    d->blinkAgain();
+    d->publishContext();
+}
+
+void ZMultiLineEdit::focusOutEvent(QFocusEvent *event)
+{
+    const Operation operation(*d);
+    QAbstractScrollArea::focusOutEvent(event);
+    d->blinkTimer.stop();
+    d->cursorOn = false;
+    stopAutoScroll();
+    d->dragMarking = d->dndPending = false;
+    d->damageAll();
+    d->publishContext();
+}
+
+// Keys that an editor acts on must not become the shortcuts of its window.
+bool ZMultiLineEdit::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && !d->readOnly) {
+        const auto *key = static_cast<const QKeyEvent *>(event);
+        const bool plain = !(key->modifiers() & (Qt::AltModifier | Qt::MetaModifier));
+        if (plain && (!key->text().isEmpty() || (key->modifiers() & Qt::ControlModifier)))
+            event->accept();
+    }
+    return QAbstractScrollArea::event(event);
+}
+
+bool ZMultiLineEdit::viewportEvent(QEvent *event) { return QAbstractScrollArea::viewportEvent(event); }
