@@ -1,0 +1,152 @@
+// What the input method server tells an input method: records, each with its number.
+#pragma once
+
+#include "platform/tyxexport.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QUuid>
+#include <memory>
+
+struct TYX_EXPORT IMStateCmd { // the names of all of them are fixed
+    enum Number : int {
+        TipWord = 16,
+        ShowCompletion = 17,
+        SetInputMode = 18,
+        SetFollowChars = 19,
+        SetEditContext = 20,
+        SelectInputMethod = 21,
+        SupportLanguageId = 22,
+        SetContext = 23,
+        PhraseCompletionSetting = 24,
+        HWROption = 25
+    };
+
+    virtual ~IMStateCmd();
+    IMStateCmd(const IMStateCmd &) = delete;
+    IMStateCmd &operator=(const IMStateCmd &) = delete;
+
+    const Number number;
+
+    // The arguments as they travel to the process of the input methods.
+    [[nodiscard]] virtual QByteArray pack() const = 0;
+
+    // Null for a number that is none, and when bytes are missing.
+    static std::unique_ptr<IMStateCmd> unpack(int number, const QByteArray &arguments);
+
+protected:
+    explicit IMStateCmd(Number which) : number(which) { }
+};
+
+// Each lists its fields once, in the order in which they travel.
+#define TYX_IM_COMMAND(Name, which)                                                                                    \
+    Name() : IMStateCmd(which) { }                                                                                     \
+    [[nodiscard]] QByteArray pack() const override;
+
+// The user accepted this completion.
+struct TYX_EXPORT TipWordCmd : IMStateCmd {
+    TYX_IM_COMMAND(TipWordCmd, TipWord)
+    QString word;
+    template <typename Visitor> void fields(Visitor visit) { visit(word); }
+};
+
+// Completions are to be shown from now on; false: those that are shown are to go.
+struct TYX_EXPORT ShowCompletionCmd : IMStateCmd {
+    TYX_IM_COMMAND(ShowCompletionCmd, ShowCompletion)
+    bool show = false;
+    template <typename Visitor> void fields(Visitor visit) { visit(show); }
+};
+
+// What the editor takes: 0 any text, 1 numbers. The shift of the title strip comes as mode 2.
+struct TYX_EXPORT SetInputModeCmd : IMStateCmd {
+    TYX_IM_COMMAND(SetInputModeCmd, SetInputMode)
+    enum Mode { Text = 0, Numbers = 1, NextShift = 2 };
+    qint32 mode = Text;
+    template <typename Visitor> void fields(Visitor visit) { visit(mode); }
+};
+
+// The beginning of a word that is to be completed.
+struct TYX_EXPORT SetFollowCharsCmd : IMStateCmd {
+    TYX_IM_COMMAND(SetFollowCharsCmd, SetFollowChars)
+    QString characters;
+    template <typename Visitor> void fields(Visitor visit) { visit(characters); }
+};
+
+// The text around the cursor in ZInputMethodState is another one.
+struct TYX_EXPORT SetEditContextCmd : IMStateCmd {
+    TYX_IM_COMMAND(SetEditContextCmd, SetEditContext)
+    qint32 state = 0; // the editor's, as in "updateEditorState(int,int,int)"
+    qint32 detail = 0;
+    template <typename Visitor> void fields(Visitor visit)
+    {
+        visit(state);
+        visit(detail);
+    }
+};
+
+// Only for the predictive input method.
+struct TYX_EXPORT SetContextCmd : IMStateCmd {
+    TYX_IM_COMMAND(SetContextCmd, SetContext)
+    quint8 kind = 0;
+    QString text;
+    quint16 position = 0;
+    template <typename Visitor> void fields(Visitor visit)
+    {
+        visit(kind);
+        visit(text);
+        visit(position);
+    }
+};
+
+// It was selected, for this language (settings::inputLanguageNumber()).
+struct TYX_EXPORT SelectInputMethodCmd : IMStateCmd {
+    TYX_IM_COMMAND(SelectInputMethodCmd, SelectInputMethod)
+    QUuid method;
+    quint32 language = 0;
+    template <typename Visitor> void fields(Visitor visit)
+    {
+        visit(method);
+        visit(language);
+    }
+};
+
+// The languages that the user types.
+struct TYX_EXPORT SetSupportLanguageId : IMStateCmd {
+    TYX_IM_COMMAND(SetSupportLanguageId, SupportLanguageId)
+    quint32 preferred = 0;
+    quint32 secondary = 0;
+    template <typename Visitor> void fields(Visitor visit)
+    {
+        visit(preferred);
+        visit(secondary);
+    }
+};
+
+struct TYX_EXPORT PhraseCompletionSettingCmd : IMStateCmd {
+    TYX_IM_COMMAND(PhraseCompletionSettingCmd, PhraseCompletionSetting)
+    bool wordCompletion = true;
+    bool nextWordPrediction = true;
+    bool userDictionary = true;
+    template <typename Visitor> void fields(Visitor visit)
+    {
+        visit(wordCompletion);
+        visit(nextWordPrediction);
+        visit(userDictionary);
+    }
+};
+
+// For handwriting.
+struct TYX_EXPORT HWROptionCmd : IMStateCmd {
+    TYX_IM_COMMAND(HWROptionCmd, HWROption)
+    bool rightHand = true;
+    qint32 speed = 50; // percent
+    bool waterMark = true;
+    template <typename Visitor> void fields(Visitor visit)
+    {
+        visit(rightHand);
+        visit(speed);
+        visit(waterMark);
+    }
+};
+
+#undef TYX_IM_COMMAND
