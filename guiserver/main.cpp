@@ -1,5 +1,6 @@
 // The phone's GUI server.
 #include "appbase/application/zapplication.h"
+#include "guiserver/calibrationrescue.h"
 #include "guiserver/farewell.h"
 #include "guiserver/keyfiles.h"
 #include "guiserver/screenservice.h"
@@ -8,6 +9,7 @@
 #include "platform/bus/businspector.h"
 #include "platform/window/qwsserver.h"
 #include "settings/files/setup_utility.h"
+#include "textinput/server/zimserver.h"
 
 #include <CLI/CLI.hpp>
 #include <QWidget>
@@ -66,6 +68,8 @@ int main(int argc, char **argv)
     const StatusBar statusBar(server.screenWidget());
     server.setWorkArea(server.screenWidget()->rect().adjusted(0, StatusBar::kHeight, 0, 0));
     const ScreenService screenService;
+    startCalibrationWhenNeeded();
+    const ZIMServer inputMethods;
     QObject::connect(&application, &ZApplication::shutdown, &awaitApplications);
     releaseTerminationSignals();
     announce();

@@ -1,5 +1,6 @@
 #include "guiserver/statusbar.h"
 
+#include "appbase/look/tyxskin.h"
 #include "guiserver/statusicons.h"
 #include "platform/window/qwsserver.h"
 
@@ -19,6 +20,18 @@ QString titleInFront()
     return window ? window->caption() : QString();
 }
 
+void drawGround(QPainter &painter, const QRect &rect)
+{
+    if (TYXSkin::draw(painter, rect, QStringLiteral("statusbar")))
+        return;
+    QLinearGradient ground(rect.topLeft(), rect.bottomLeft());
+    ground.setColorAt(0, QColor(0xff3a4a5c));
+    ground.setColorAt(1, QColor(0xff1d2731));
+    painter.fillRect(rect, ground);
+}
+
+QColor textInk() { return TYXSkin::color(QStringLiteral("statusbar_text"), Qt::white); }
+
 // Shares the room: the operator leaves the title what it needs, as far as half of the room is left for itself.
 void drawTexts(QPainter &painter, QRect room, const StatusContent &content)
 {
@@ -26,11 +39,11 @@ void drawTexts(QPainter &painter, QRect room, const StatusContent &content)
     const int forTitle = content.title.isEmpty() ? 0 : metrics.horizontalAdvance(content.title) + kMargin;
     const int most = std::max(room.width() / 2, room.width() - forTitle);
     const QString network = metrics.elidedText(content.operatorName, Qt::ElideRight, most);
-    painter.setPen(QColor(0xffb8c6d4));
+    painter.setPen(TYXSkin::color(QStringLiteral("statusbar_dim"), QColor(0xffb8c6d4)));
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter, network);
     if (!network.isEmpty())
         room.setLeft(room.left() + metrics.horizontalAdvance(network) + kMargin);
-    painter.setPen(Qt::white);
+    painter.setPen(textInk());
     painter.drawText(
         room, Qt::AlignLeft | Qt::AlignVCenter, metrics.elidedText(content.title, Qt::ElideRight, room.width()));
 }
@@ -101,13 +114,10 @@ int StatusBar::drawSigns(QPainter &painter, int right) const
 void StatusBar::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
-    QLinearGradient ground(0, 0, 0, height());
-    ground.setColorAt(0, QColor(0xff3a4a5c));
-    ground.setColorAt(1, QColor(0xff1d2731));
-    painter.fillRect(rect(), ground);
+    drawGround(painter, rect());
     QRect room = rect().adjusted(kMargin, 0, -kMargin, 0);
     icons::drawSignal(painter, QPoint(room.left(), (height() - icons::kHeight) / 2), m_content.signalBars);
-    painter.setPen(Qt::white);
+    painter.setPen(textInk());
     painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter, m_content.time);
     const int clock = room.right() - fontMetrics().horizontalAdvance(m_content.time);
     room.setLeft(room.left() + icons::kSignalWidth + kMargin);

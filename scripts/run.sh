@@ -28,7 +28,9 @@ fi
 mkdir -p "$phone/setup" "$phone/pictures"
 echo "$project/build/release/bin" > "$phone/path"
 # What the programs of the phone, and those typed into it, find in their environment.
-environment=("TYX_RES_FONT_PATH=$project/appbase/look/fonts" "TYX_RES_STRING_PATH=$project/build/release/strings")
+share=$project/build/release/share/tyxappbase
+environment=("TYX_RES_FONT_PATH=$project/appbase/look/fonts" "TYX_RES_STRING_PATH=$project/build/release/strings"
+  "TYX_RES_ICON_PATH=$share/icons" "TYX_RES_SKIN_FILE=$share/skins/light.skn" "TYX_INSTALLED_QT_PATH=$share")
 printf '%s\n' "${environment[@]}" > "$phone/environment"
 # One phone a folder: its settings must not have two writers.
 exec 8> "$phone/lock"
@@ -37,7 +39,7 @@ trap 'rm -f "$phone/info.json"' EXIT
 
 start() { # SCRIPT: runs it inside, where its folders are
   PATH="$project/build/release/bin:$PATH" "$project/scripts/sandbox" --rw "$phone" --setup "$phone/setup" \
-    "${environment[@]/#/--env=}" --sounds "$project/build/release/share/tyxappbase/soundfile" --info-fd 7 -- \
+    "${environment[@]/#/--env=}" --sounds "$share/soundfile" --info-fd 7 -- \
     "$project/scripts/$1" "$phone/pictures" 7> "$phone/info.json" 8>&-
 }
 
@@ -53,6 +55,6 @@ start phone-session
 echo "pictures: $phone/pictures"
 if $refresh; then
   mkdir -p "$project/docs/pictures"
-  cp "$phone"/pictures/{1-start,3-menu,6-doodle}.png "$project/docs/pictures/"
+  cp "$phone"/pictures/{keyboard,notes,12-dark}.png "$project/docs/pictures/"
   echo "copied into docs/pictures: look at them, then commit"
 fi

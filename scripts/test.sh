@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds everything and runs all tests, each on a phone of its own: test.sh [PRESET] [CTEST-OPTION...]
-# PRESET is dev (the default), asan, release or coverage.
+# PRESET is release (the default: what is shipped, and what run.sh starts), dev, asan or coverage.
 . "$(dirname "$0")/common.sh"
-preset=dev
+preset=release
 case ${1:-} in
   dev | asan | release | coverage) preset=$1; shift ;;
   -h | --help) sed -n '2,3s/^# //p' "$0"; exit 0 ;;

@@ -28,6 +28,18 @@ void sendToServer(const char *message, const QByteArray &arguments)
     QCopChannel::send("TYX/QtServer", message, arguments);
 }
 
+bool isReadOnly(const QWidget &editor)
+{
+    return !editor.testAttribute(Qt::WA_InputMethodEnabled) || editor.property("readOnly").toBool();
+}
+
+// To another widget of the window: a menu gives the focus back, and the server sees by itself which window has it.
+bool leaves(const QFocusEvent &event)
+{
+    return event.reason() != Qt::PopupFocusReason && event.reason() != Qt::ActiveWindowFocusReason
+        && event.reason() != Qt::MenuBarFocusReason;
+}
+
 ZMainWidget *activeMainWidget() { return qobject_cast<ZMainWidget *>(QApplication::activeWindow()); }
 
 }
@@ -96,12 +108,24 @@ void InputClient::tellServer(const QWidget &editor, Registration &registration)
 bool InputClient::eventFilter(QObject *watched, QEvent *event)
 {
     const auto known = m_editors.find(watched);
-    if (event->type() == QEvent::Show && known != m_editors.end()) {
-        const auto &editor = static_cast<const QWidget &>(*watched);
-        if (known->window != QWSApplication::windowId(&editor))
-            tellServer(editor, *known);
-    }
+    if (known == m_editors.end())
+        return false;
+    const auto &editor = static_cast<const QWidget &>(*watched);
+    if (event->type() == QEvent::Show && known->window != QWSApplication::windowId(&editor))
+        tellServer(editor, *known);
+    else if (event->type() == QEvent::MouseButtonRelease && editor.hasFocus() && !isReadOnly(editor))
+        requestInputWidget(editor, *known, true);
+    else if (event->type() == QEvent::FocusOut && leaves(static_cast<const QFocusEvent &>(*event)))
+        requestInputWidget(editor, *known, false);
     return false;
+}
+
+// The pen asks for it; an application that starts with the focus in an editor does not hide half of itself.
+void InputClient::requestInputWidget(const QWidget &editor, const Registration &registration, bool show)
+{
+    const bool numbers = (editor.inputMethodHints() & (Qt::ImhDigitsOnly | Qt::ImhFormattedNumbersOnly)) != 0;
+    sendToServer(messages::kShowInputWidget,
+        wire::pack(registration.id, QWSApplication::windowId(&editor), show ? 1 : 0, QUuid(), numbers ? 1 : 0));
 }
 
 void InputClient::inputWidgetShown(int editor, int height)

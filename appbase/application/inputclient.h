@@ -42,6 +42,7 @@ private:
     };
     int freeId();
     void tellServer(const QWidget &editor, Registration &registration);
+    static void requestInputWidget(const QWidget &editor, const Registration &registration, bool show);
 
     const QCString m_channel;
     QHash<const QObject *, Registration> m_editors;

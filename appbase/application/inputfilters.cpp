@@ -97,7 +97,7 @@ void ZApplication::createTouchSoundMsgQueue()
 
 void ZApplicationData::getTouchPanelSoundInfo() { input.touchSound().set(touchPanelSoundInfo()); }
 
-void ZApplicationData::getHardKeySoundInfo() { hardKeySound = hardKeySoundInfo(); }
+void ZApplicationData::getHardKeySoundInfo() { QWSTyxButtonsHandler::reloadKeySound(); }
 
 void ZApplicationData::onUpdateTouchPanelSoundInfo(const QByteArray & /*arguments*/) { getTouchPanelSoundInfo(); }
 

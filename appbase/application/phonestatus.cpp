@@ -7,11 +7,4 @@ SoundInfo touchPanelSoundInfo()
     return info;
 }
 
-SoundInfo hardKeySoundInfo()
-{
-    SoundInfo info;
-    UTIL_GetHKSoundInfo(&info);
-    return info;
-}
-
 bool callComesIn() { return UTIL_GetIncomingCallStatus(); }

@@ -5,6 +5,5 @@
 
 // Silence when there is no table.
 SoundInfo touchPanelSoundInfo();
-SoundInfo hardKeySoundInfo();
 
 bool callComesIn(); // it rings, and nobody has answered or rejected it yet

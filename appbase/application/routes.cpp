@@ -8,8 +8,11 @@
 #include "appbase/messaging/wire.h"
 #include "platform/bus/busflush.h"
 #include "platform/system/fatal.h"
+#include "res/skin/util_skin.h"
+#include "res/skin/zskin.h"
 
 #include <QScopedValueRollback>
+#include <cstdio>
 
 namespace {
 
@@ -60,6 +63,7 @@ constexpr Row serverRoutes[] = {
     {messages::kFocusLatestWindow, &Data::onFocusLatestWindow},
     {"languageChanged()", &Data::onLanguageChanged},
     {"HardkeySoundChanged()", &Data::onHardkeySoundChanged},
+    {"themeChanged()", &Data::onThemeChanged},
 };
 
 constexpr Row applicationRoutes[] = {
@@ -243,8 +247,13 @@ void ZApplicationData::onModifyTimeZone(const QByteArray &arguments)
     qputenv("TZ", zone);
 }
 
+// The skin and the icons may be others now.
 void ZApplicationData::onApplyStyle(const QByteArray & /*arguments*/)
 {
+    theme = themePaths();
+    publishThemePaths(theme);
+    UTIL_Skin::reloadDef();
+    ZSkin::reloadSkin();
     m_application.applyStyle();
     m_application.applyPalette();
 }
@@ -270,4 +279,24 @@ void ZApplicationData::onLanguageChanged(const QByteArray & /*arguments*/)
 {
     m_application.loadString(name);
     QCopChannel::send("TYX/System", "languageChanged()");
+}
+
+// The atlas is exchanged before anybody is told: who puts the skin on anew finds it.
+void ZApplicationData::onThemeChanged(const QByteArray & /*arguments*/)
+{
+    const QString before = theme.skinFile;
+    handOverTheme();
+    theme = themePaths();
+    publishThemePaths(theme);
+    if (theme.skinFile != before && !theme.skinFile.isEmpty() && !shareSkin(theme.skinFile)) {
+        std::fprintf(stderr,
+            "theme: %s cannot be worn now, %s stays: tyx skin verify tells about the file; an image of "
+            "another size needs a start of the phone\n",
+            qPrintable(theme.skinFile), before.isEmpty() ? "none" : qPrintable(before));
+        keepSkin(before);
+        theme = themePaths();
+        publishThemePaths(theme);
+        shareSkin(theme.skinFile);
+    }
+    QCopChannel::send("TYX/System", "applyStyle()");
 }

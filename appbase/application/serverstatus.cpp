@@ -7,13 +7,6 @@
 
 namespace {
 
-void handOverTheme()
-{
-    ThemeInfo theme;
-    UTIL_ThemeInterface::getThemeInfo(theme);
-    UTIL_SetThemeInfo(&theme);
-}
-
 // Both kinds of sound have the volume of the system.
 void handOverSounds()
 {
@@ -64,6 +57,13 @@ ServerStatus::~ServerStatus()
 {
     UTIL_ReleaseApplicationManagerStatusTable();
     UTIL_ReleaseSystemTable();
+}
+
+void handOverTheme()
+{
+    ThemeInfo theme;
+    UTIL_ThemeInterface::getThemeInfo(theme);
+    UTIL_SetThemeInfo(&theme);
 }
 
 void handOverSettings()

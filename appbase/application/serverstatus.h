@@ -11,5 +11,6 @@ public:
     ServerStatus &operator=(const ServerStatus &) = delete;
 };
 
-// Stores what the settings say about theme, sounds and blending in the table.
+// Stores what the settings say about the theme in the table; the second one sounds and blending too.
+void handOverTheme();
 void handOverSettings();

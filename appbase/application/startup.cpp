@@ -6,6 +6,7 @@
 #include "appbase/application/zapplication_p.h"
 #include "appbase/look/phonepalette.h"
 #include "appbase/look/textsize.h"
+#include "appbase/look/tyxskin.h"
 #include "appbase/look/tyxstyle.h"
 #include "appbase/look/tyxwsdecoration.h"
 #include "platform/system/fatal.h"
@@ -31,8 +32,10 @@ std::unique_ptr<ServerStatus> beginServer(QObject &owner)
 // before anything reads it, and the channel of the process says that the application is ready.
 ZApplication::ZApplication(int &argc, char **argv, Type type) : QWSApplication(argc, argv, type)
 {
+    std::unique_ptr<InputDrivers> drivers = type == GuiServer ? std::make_unique<InputDrivers>() : nullptr;
     std::unique_ptr<ServerStatus> serverStatus = type == GuiServer ? beginServer(*this) : nullptr;
     d = std::make_unique<ZApplicationData>(*this, argc > 0 ? argv[0] : "");
+    d->drivers = std::move(drivers);
     d->serverStatus = std::move(serverStatus);
     if (type == GuiServer) {
         d->open("TYX/QtServer", &ZApplicationData::slotServerMessage);
@@ -43,6 +46,8 @@ ZApplication::ZApplication(int &argc, char **argv, Type type) : QWSApplication(a
     d->getMsgs(d->name);
     d->getMsgs(QString::number(applicationPid()));
     publishThemePaths(d->theme);
+    if (type == GuiServer && !d->theme.skinFile.isEmpty())
+        shareSkin(d->theme.skinFile); // the image of an earlier server is still there
     applyStyle();
     initPalette();
     loadTYXFonts();
@@ -55,7 +60,11 @@ ZApplication::ZApplication(int &argc, char **argv, Type type) : QWSApplication(a
     enableHardKeyEventFilter(true);
 }
 
-void ZApplication::applyStyle() { setStyle(new TYXStyle); }
+void ZApplication::applyStyle()
+{
+    TYXSkin::reload();
+    setStyle(new TYXStyle);
+}
 
 void ZApplication::initPalette() { applyPalette(); }
 

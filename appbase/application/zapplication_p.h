@@ -3,6 +3,7 @@
 
 #include "appbase/application/editorlist.h"
 #include "appbase/application/inputclient.h"
+#include "appbase/application/inputdrivers.h"
 #include "appbase/application/inputfilters.h"
 #include "appbase/application/phonestatus.h"
 #include "appbase/application/serverstatus.h"
@@ -69,9 +70,9 @@ public:
     LoadedStrings libraryStrings;
     InputFilters input;
     WindowsByUse windowsByUse; // in the GUI server, like the next
-    SoundInfo hardKeySound = hardKeySoundInfo();
     InputClient inputClient;
-    std::unique_ptr<ServerStatus> serverStatus; // of the GUI server
+    std::unique_ptr<InputDrivers> drivers; // of the GUI server, like the next
+    std::unique_ptr<ServerStatus> serverStatus;
 
     // One a message, named after it.
     void onRaise(const QByteArray &arguments);
@@ -101,6 +102,7 @@ public:
     void onUpdateTouchPanelSoundInfo(const QByteArray &arguments);
     void onHardkeySoundChanged(const QByteArray &arguments);
     void onLanguageChanged(const QByteArray &arguments);
+    void onThemeChanged(const QByteArray &arguments);
     void onRegisterEditor(const QByteArray &arguments);
     void onUnregisterEditor(const QByteArray &arguments);
     void onShowInputWidget(const QByteArray &arguments);

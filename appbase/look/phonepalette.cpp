@@ -1,6 +1,7 @@
 #include "appbase/look/phonepalette.h"
 
 #include "appbase/config/zconfig.h"
+#include "appbase/look/tyxskin.h"
 
 #include <QColor>
 #include <QMetaEnum>
@@ -96,14 +97,26 @@ std::optional<QPalette> parsePalette(const QMap<QString, QString> &colors)
     return palette;
 }
 
+QPalette skinPalette()
+{
+    QPalette palette = builtInPalette();
+    const auto roles = QMetaEnum::fromType<QPalette::ColorRole>();
+    for (const auto &[role, color] : builtIn) {
+        const QString name = QString::fromLatin1(roles.valueToKey(role));
+        palette.setColor(role, TYXSkin::color(name, QColor(color)));
+    }
+    fade(palette);
+    return palette;
+}
+
 QPalette currentPalette()
 {
     ZConfig file(QString::fromLatin1(kFile), false);
     const auto *colors = file.getGroupEntriesKeyList(QStringLiteral("COLOR_PALETTE"));
     if (!colors)
-        return builtInPalette();
+        return skinPalette();
     if (const auto palette = parsePalette(*colors))
         return *palette;
     std::fprintf(stderr, "palette: %s: a value is no colour #rrggbb\n", kFile);
-    return builtInPalette();
+    return skinPalette();
 }

@@ -12,5 +12,8 @@ QPalette builtInPalette();
 // is no role is skipped. Nothing when a value is no colour: half a theme may have texts that cannot be read.
 std::optional<QPalette> parsePalette(const QMap<QString, QString> &colors);
 
-// The palette of "/tmp/colorpalette.cfg", read afresh; the built-in one when that is missing or broken.
+// The built-in palette with the colours of the skin that are named after roles.
+QPalette skinPalette();
+
+// The palette of "/tmp/colorpalette.cfg", read afresh; that of the skin when it is missing or broken.
 QPalette currentPalette();

@@ -1,6 +1,7 @@
 #include "appbase/look/tyxstyle.h"
 
 #include "appbase/look/phonepalette.h"
+#include "appbase/look/tyxskin.h"
 #include "appbase/look/tyxstyle_p.h"
 
 #include <QAbstractItemView>
@@ -303,6 +304,9 @@ void TYXStyle::drawPrimitive(
     // These show their focus in their frame.
     const bool ownFocus = qobject_cast<const QPushButton *>(widget) || qobject_cast<const QAbstractItemView *>(widget);
     if (element == PE_FrameFocusRect && ownFocus)
+        return;
+    if (element == PE_PanelItemViewItem && option->state.testFlag(State_Selected)
+        && TYXSkin::draw(*painter, option->rect, QStringLiteral("row"), {.on = true}))
         return;
     const auto *row = std::find_if(std::begin(primitives), std::end(primitives),
         [element](const Primitive &candidate) { return candidate.element == element; });

@@ -1,5 +1,8 @@
 // Shapes, and the controls that are one piece.
+#include "appbase/look/tyxskin.h"
 #include "appbase/look/tyxstyle_p.h"
+
+#include "res/skin/util_skin.h"
 
 #include <QFont>
 #include <QPixmap>
@@ -35,6 +38,31 @@ QColor pressed(const QStyleOption &option, const QColor &ground, QPalette::Color
     return isOn(option, QStyle::State_Sunken) && isOn(option, QStyle::State_Enabled)
         ? blend(ground, color(option, text), kPressedShade)
         : ground;
+}
+
+TYXSkin::State stateOf(const QStyleOption &option)
+{
+    return {isOn(option, QStyle::State_Sunken) || isOn(option, QStyle::State_On), hasFocus(option),
+        isOn(option, QStyle::State_Enabled)};
+}
+
+// A field or a view is not pressed.
+TYXSkin::State focusOf(const QStyleOption &option)
+{
+    return {false, hasFocus(option), isOn(option, QStyle::State_Enabled)};
+}
+
+// In the colour of the text while the entry is chosen: its own may be that of the highlight.
+void drawMenuIcon(const QStyleOptionMenuItem &item, const QRect &rect, bool chosen, QPainter &painter)
+{
+    const bool enabled = isOn(item, QStyle::State_Enabled);
+    QPixmap icon = item.icon.pixmap(rect.size(), enabled ? QIcon::Normal : QIcon::Disabled);
+    if (chosen) {
+        QPainter tint(&icon);
+        tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        tint.fillRect(icon.rect(), color(item, QPalette::HighlightedText));
+    }
+    painter.drawPixmap(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, icon.size(), rect), icon);
 }
 
 QString shownText(const QString &text) { return text.section(u'\t', 0, 0); } // what is behind is for keyboards
@@ -103,6 +131,8 @@ void drawCheckMark(QPainter &painter, const QRect &rect, const QColor &color)
 
 void drawPushButton(const QStyleOption &option, QPainter &painter)
 {
+    if (TYXSkin::draw(painter, option.rect, QStringLiteral("button"), stateOf(option)))
+        return;
     const QColor ground = pressed(option, color(option, QPalette::Button), QPalette::ButtonText);
     const QColor fill = isOn(option, QStyle::State_On) ? blend(ground, color(option, QPalette::Highlight), 25) : ground;
     drawBox(painter, option.rect, fill, {outlineColor(option), hasFocus(option) ? 2 : 1});
@@ -113,11 +143,15 @@ void drawFieldFrame(const QStyleOption &option, QPainter &painter)
     // The field inside a spin box or a combo box has no frame of its own.
     if (const auto *frame = qstyleoption_cast<const QStyleOptionFrame *>(&option); frame && frame->lineWidth <= 0)
         return;
+    if (TYXSkin::draw(painter, option.rect, QStringLiteral("field"), focusOf(option)))
+        return;
     drawBox(painter, option.rect, color(option, QPalette::Base), {outlineColor(option), hasFocus(option) ? 2 : 1});
 }
 
 void drawViewFrame(const QStyleOption &option, QPainter &painter)
 {
+    if (TYXSkin::draw(painter, option.rect, QStringLiteral("list"), focusOf(option)))
+        return;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
@@ -172,13 +206,19 @@ void drawMenuPanel(const QStyleOption &option, QPainter &painter)
 {
     // A pop-up is a rectangle of its own on the screen: there is nothing behind round corners.
     painter.fillRect(option.rect, color(option, QPalette::Base));
-    painter.setPen(blend(color(option, QPalette::Window), color(option, QPalette::Shadow), 70));
+    painter.setPen(blend(color(option, QPalette::Base), color(option, QPalette::Text), 45));
     painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
 }
 
 void drawToolTip(const QStyleOption &option, QPainter &painter)
 {
     painter.fillRect(option.rect, color(option, QPalette::ToolTipBase));
+}
+
+void drawChosenRow(const QStyleOption &option, QPainter &painter)
+{
+    if (!TYXSkin::draw(painter, option.rect, QStringLiteral("row"), {.on = true}))
+        painter.fillRect(option.rect, color(option, QPalette::Highlight));
 }
 
 void drawMenuItem(const QStyleOptionMenuItem &item, QPainter &painter)
@@ -191,7 +231,7 @@ void drawMenuItem(const QStyleOptionMenuItem &item, QPainter &painter)
     }
     const bool chosen = isOn(item, QStyle::State_Selected) && isOn(item, QStyle::State_Enabled);
     if (chosen)
-        painter.fillRect(item.rect, color(item, QPalette::Highlight));
+        drawChosenRow(item, painter);
     const QColor text = color(item, chosen ? QPalette::HighlightedText : QPalette::Text);
     QRect rest = item.rect.adjusted(kMenuIndent, 0, -kMenuIndent, 0);
     const bool hasIndicator = item.menuHasCheckableItems || item.maxIconWidth > 0;
@@ -199,8 +239,7 @@ void drawMenuItem(const QStyleOptionMenuItem &item, QPainter &painter)
     if (item.checked)
         drawCheckMark(painter, indicator, text);
     else if (!item.icon.isNull())
-        item.icon.paint(
-            &painter, indicator, Qt::AlignCenter, isOn(item, QStyle::State_Enabled) ? QIcon::Normal : QIcon::Disabled);
+        drawMenuIcon(item, indicator, chosen, painter);
     if (hasIndicator)
         rest.setLeft(rest.left() + kMenuIndicator - 4);
     if (item.menuItemType == QStyleOptionMenuItem::SubMenu)
@@ -217,14 +256,20 @@ QPixmap messageIcon(QStyle::StandardPixmap icon, int size)
         QStyle::StandardPixmap icon;
         char sign;
         QRgb color;
+        const char *name; // in the icon set of the phone
     };
-    constexpr Sign signs[] = {{QStyle::SP_MessageBoxInformation, 'i', 0xff1b6b93},
-        {QStyle::SP_MessageBoxQuestion, '?', 0xff1b6b93}, {QStyle::SP_MessageBoxWarning, '!', 0xffc77700},
-        {QStyle::SP_MessageBoxCritical, 'x', 0xffb3261e}};
+    constexpr Sign signs[] = {{QStyle::SP_MessageBoxInformation, 'i', 0xff1b6b93, "message_information"},
+        {QStyle::SP_MessageBoxQuestion, '?', 0xff1b6b93, "message_question"},
+        {QStyle::SP_MessageBoxWarning, '!', 0xffc77700, "message_warning"},
+        {QStyle::SP_MessageBoxCritical, 'x', 0xffb3261e, "message_critical"}};
     const auto *sign =
         std::find_if(std::begin(signs), std::end(signs), [icon](const Sign &row) { return row.icon == icon; });
     if (sign == std::end(signs))
         return {};
+    if (QPixmap ours = UTIL_Skin::get()->getPixmap(QLatin1StringView(sign->name)); !ours.isNull())
+        return ours.width() <= size && ours.height() <= size
+            ? ours
+            : ours.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);

@@ -17,17 +17,38 @@ std::optional<std::array<std::byte, SoundMessage::kSize>> SoundMessage::encoded(
     return bytes;
 }
 
-const platform::MessageQueue *SoundQueue::opened()
+platform::Result<platform::MessageQueue> SoundQueue::openIt()
 {
     constexpr int kMode = 0666; // players and applications may be different users
-    if (!m_queue) {
-        const auto key = platform::keyOfFile(kKeyFile, kProject);
-        if (!key)
-            return nullptr;
-        if (const auto queue = platform::MessageQueue::open({*key, IPC_CREAT | kMode}))
-            m_queue = *queue;
+    if (m_queue)
+        return *m_queue;
+    const auto key = platform::keyOfFile(kKeyFile, kProject);
+    if (!key)
+        return tl::make_unexpected(key.error());
+    const auto queue = platform::MessageQueue::open({*key, IPC_CREAT | kMode});
+    if (!queue)
+        return tl::make_unexpected(queue.error());
+    m_queue = *queue;
+    return *queue;
+}
+
+const platform::MessageQueue *SoundQueue::opened() { return openIt() && m_queue ? &*m_queue : nullptr; }
+
+platform::Result<std::vector<std::byte>> SoundQueue::take()
+{
+    const auto queue = openIt();
+    if (!queue)
+        return tl::make_unexpected(queue.error());
+    // One that is too long for the buffer would stay the first one for ever.
+    constexpr std::size_t kLongest = 8192; // that the system lets into a queue, unless it was told otherwise
+    auto message = queue->wait(kLongest);
+    if (!message) {
+        m_queue.reset();
+        // A queue that was removed between two sounds has no valid number any more.
+        const bool isGone = message.error().number == EIDRM || message.error().number == EINVAL;
+        return platform::failed(message.error().call, isGone ? EIDRM : message.error().number);
     }
-    return m_queue ? &*m_queue : nullptr;
+    return std::move(message->bytes);
 }
 
 bool SoundQueue::send(const SoundMessage &message)

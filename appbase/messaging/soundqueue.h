@@ -43,7 +43,12 @@ public:
     // How many sounds nobody has played yet; none without a queue.
     [[nodiscard]] std::optional<std::size_t> waiting();
 
+    // For the player: the next message, whatever is in it and of any size; waits for one. EIDRM when the queue was
+    // removed meanwhile: the next call makes another.
+    platform::Result<std::vector<std::byte>> take();
+
 private:
+    platform::Result<platform::MessageQueue> openIt();
     const platform::MessageQueue *opened(); // null when it cannot be
 
     std::optional<platform::MessageQueue> m_queue;

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QWidget>
+#include <TYXSkin>
 #include <ZApplication>
 
 namespace {
@@ -43,12 +44,13 @@ protected:
     void paintEvent(QPaintEvent * /*event*/) override
     {
         QPainter painter(this);
-        painter.fillRect(rect(), QColor(0xfffdf6e3));
-        painter.setPen(QColor(0xffb8b09a));
+        painter.fillRect(rect(), TYXSkin::color(QStringLiteral("paper"), QColor(0xfffdf6e3)));
+        painter.setPen(TYXSkin::color(QStringLiteral("paper_hint"), QColor(0xff9c9278)));
         if (m_strokes.isEmpty())
             painter.drawText(rect(), Qt::AlignCenter, m_hint);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(QColor(0xff1b6b93), 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const QColor ink = TYXSkin::color(QStringLiteral("ink"), QColor(0xff1b6b93));
+        painter.setPen(QPen(ink, 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPath(m_strokes);
     }
 

@@ -1,13 +1,15 @@
-// A whole application: a window with a menu, a text field, a dialog, and a list of what the phone told it. It speaks
-// the language of the phone, and another one as soon as that is set. Holding the pen on the list opens the menu too.
-// Try it: scripts/in-phone tyx bus send TYX/Application/hello "greet(QString)" qstring:You
+// A whole application: a window with soft keys, a menu with icons, a text field, a dialog, and a list of what the phone
+// told it. It speaks the language of the phone and wears its skin, and others as soon as they are set. Holding the pen
+// on the list opens the menu too. Try it: scripts/in-phone tyx bus send TYX/Application/hello "greet(QString)"
+// qstring:You
 #include <QEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QVBoxLayout>
+#include <SoftKeyBar>
+#include <UTIL_Skin>
 #include <ZApplication>
 #include <ZMainWidget>
 #include <cstdio>
@@ -17,6 +19,9 @@ namespace {
 QString text(const char *source) { return QCoreApplication::translate("1.1.1;HELLO", source); }
 QString menuText(const char *source) { return QCoreApplication::translate("1.1.2;MENU", source); }
 
+// Of the phone's icon set; icons that the user downloaded come first.
+QIcon icon(const char *name) { return QIcon(UTIL_Skin::get()->getPixmap(QString::fromLatin1(name))); }
+
 class Window : public ZMainWidget {
 public:
     Window()
@@ -24,15 +29,18 @@ public:
         setContentWidget(new QWidget);
         contentWidget()->setLayout(&m_column);
         m_log.setFocusPolicy(Qt::NoFocus);
-        m_options.setFocusPolicy(Qt::NoFocus);
-        m_column.setContentsMargins(6, 6, 6, 6);
-        m_column.addWidget(&m_text);
-        m_column.addWidget(&m_log);
-        m_column.addWidget(&m_options);
+        m_inset.setContentsMargins(6, 6, 6, 6);
+        m_inset.setSpacing(6);
+        m_inset.addWidget(&m_text);
+        m_inset.addWidget(&m_log);
+        m_column.setContentsMargins(0, 0, 0, 0);
+        m_column.setSpacing(0);
+        m_column.addLayout(&m_inset);
+        m_column.addWidget(&m_softKeys);
         m_menu.addActions({&m_clear, &m_greet});
-        m_menu.addSeparator();
-        m_menu.addAction(&m_exit);
         m_options.setMenu(&m_menu);
+        m_softKeys.setLeft(&m_options);
+        m_softKeys.setRight(&m_exit);
         ZApplication::setMouseMode(&m_log, ZApplication::MouseMode::PressHold);
         m_log.setContextMenuPolicy(Qt::CustomContextMenu);
         connect(&m_log, &QWidget::customContextMenuRequested, &m_menu,
@@ -41,7 +49,9 @@ public:
         connect(&m_clear, &QAction::triggered, this, &Window::clear);
         connect(&m_greet, &QAction::triggered, this, [this] { tell(text("Hello, phone!")); });
         connect(&m_exit, &QAction::triggered, qApp, &QCoreApplication::quit);
+        ZApplication::instance()->registerEditor(&m_text);
         retranslate();
+        putOnIcons();
         tellLanguage();
     }
 
@@ -67,6 +77,8 @@ protected:
             retranslate();
             tellLanguage();
         }
+        if (event->type() == QEvent::StyleChange)
+            putOnIcons();
         ZMainWidget::changeEvent(event);
     }
 
@@ -79,6 +91,12 @@ private:
         m_clear.setText(menuText("Clear the list"));
         m_greet.setText(menuText("Say hello"));
         m_exit.setText(menuText("Exit"));
+    }
+
+    void putOnIcons()
+    {
+        m_clear.setIcon(icon("menu_delete"));
+        m_greet.setIcon(icon("menu_hello"));
     }
 
     void tellLanguage() { tell(text("Language: %1").arg(ZApplication::instance()->language())); }
@@ -101,12 +119,14 @@ private:
     QString m_document;
     QLineEdit m_text;
     QListWidget m_log;
-    QPushButton m_options;
     QVBoxLayout m_column;
+    QVBoxLayout m_inset;
     QMenu m_menu;
+    QAction m_options;
     QAction m_clear;
     QAction m_greet;
     QAction m_exit;
+    SoftKeyBar m_softKeys;
 };
 
 }
@@ -115,8 +135,10 @@ int main(int argc, char **argv)
 {
     ZApplication app(argc, argv);
     Window window;
-    QObject::connect(&app, &ZApplication::appMessage, &window,
-        [&](const QCString &message) { window.tell(text("Message: %1").arg(QString::fromUtf8(message))); });
+    QObject::connect(&app, &ZApplication::appMessage, &window, [&](const QCString &message) {
+        if (!message.contains("nputWidget")) // the keyboard comes and goes; the window makes room by itself
+            window.tell(text("Message: %1").arg(QString::fromUtf8(message)));
+    });
     QObject::connect(&app, &ZApplication::signalOpenDoc, &window, &Window::open);
     QObject::connect(&app, &ZApplication::shutdown, &window, [&] { window.tell(text("Good bye")); });
     app.setMainWidget(&window);

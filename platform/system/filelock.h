@@ -30,4 +30,9 @@ private:
     int m_fd;
 };
 
+// A record lock of fcntl(2) over the whole file, shared with others that ask for it so. It belongs to the process: the
+// kernel drops it when the process closes any descriptor of the file. Waits for one that locked it for writing.
+Result<> lockRecordShared(int fd);
+Result<> unlockRecord(int fd);
+
 }

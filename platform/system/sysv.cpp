@@ -11,6 +11,7 @@ namespace {
 // semctl(2) leaves declaring its fourth argument to the caller.
 union SemaphoreArgument {
     int val;
+    semid_ds *buf;
 };
 
 // What msgsnd(2) and msgrcv(2) read and write: the type, then the bytes.
@@ -40,17 +41,32 @@ Result<ShmAttachment> ShmAttachment::attach(int id, Access access)
     if (address == reinterpret_cast<void *>(-1)) // NOLINT(performance-no-int-to-ptr): shmat's own answer
         return failed("shmat");
     ShmAttachment attachment(std::span(static_cast<std::byte *>(address), 1));
+    const auto known = status(id);
+    if (!known)
+        return tl::make_unexpected(known.error());
+    attachment.m_bytes = std::span(attachment.m_bytes.data(), known->shm_segsz);
+    return attachment;
+}
+
+Result<shmid_ds> ShmAttachment::status(int id)
+{
     shmid_ds status = {};
     if (::shmctl(id, IPC_STAT, &status) != 0)
         return failed("shmctl");
-    attachment.m_bytes = std::span(attachment.m_bytes.data(), status.shm_segsz);
-    return attachment;
+    return status;
 }
 
 Result<> ShmAttachment::remove(int id)
 {
     if (::shmctl(id, IPC_RMID, nullptr) != 0)
         return failed("shmctl");
+    return {};
+}
+
+Result<> ShmAttachment::detach()
+{
+    if (::shmdt(std::exchange(m_bytes, {}).data()) != 0)
+        return failed("shmdt");
     return {};
 }
 
@@ -100,6 +116,16 @@ Result<> SemaphoreSet::setValue(int index, int value) const
     return {};
 }
 
+Result<semid_ds> SemaphoreSet::status() const
+{
+    semid_ds status = {};
+    SemaphoreArgument argument = {};
+    argument.buf = &status;
+    if (::semctl(m_id, 0, IPC_STAT, argument) != 0)
+        return failed("semctl");
+    return status;
+}
+
 Result<> SemaphoreSet::remove() const
 {
     if (::semctl(m_id, 0, IPC_RMID) != 0)
@@ -130,9 +156,16 @@ Result<> MessageQueue::send(long type, std::span<const std::byte> bytes) const
 
 Result<MessageQueue::Message> MessageQueue::receive(std::size_t maxBytes) const
 {
+    return receive(maxBytes, IPC_NOWAIT);
+}
+
+Result<MessageQueue::Message> MessageQueue::wait(std::size_t maxBytes) const { return receive(maxBytes, 0); }
+
+Result<MessageQueue::Message> MessageQueue::receive(std::size_t maxBytes, int flags) const
+{
     std::vector<std::byte> buffer = messageBuffer(maxBytes);
     ssize_t size = -1;
-    while ((size = ::msgrcv(m_id, buffer.data(), maxBytes, 0, IPC_NOWAIT)) < 0) {
+    while ((size = ::msgrcv(m_id, buffer.data(), maxBytes, 0, flags)) < 0) {
         if (errno != EINTR)
             return failed("msgrcv", errno == ENOMSG ? EAGAIN : errno);
     }

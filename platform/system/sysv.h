@@ -9,6 +9,7 @@
 #include <span>
 #include <sys/ipc.h>
 #include <sys/sem.h>
+#include <sys/shm.h>
 #include <utility>
 #include <vector>
 
@@ -31,6 +32,7 @@ public:
     // Finds (or with IPC_CREAT makes) a segment; its identifier. A size of 0 accepts what is there.
     static Result<int> segment(IpcName name, std::size_t size);
     static Result<ShmAttachment> attach(int id, Access access);
+    static Result<shmid_ds> status(int id);
     static Result<> remove(int id); // it is gone once the last process has detached
 
     ShmAttachment(ShmAttachment &&other) noexcept : m_bytes(std::exchange(other.m_bytes, {})) { }
@@ -41,6 +43,7 @@ public:
     }
     ~ShmAttachment();
 
+    Result<> detach(); // with the answer that the destructor cannot give
     // As many bytes as the system says the segment has, whoever made it. Valid while this object lives.
     [[nodiscard]] std::span<std::byte> bytes() const { return m_bytes; }
 
@@ -60,6 +63,7 @@ public:
     [[nodiscard]] Result<int> value(int index) const;
     [[nodiscard]] Result<pid_t> lastProcess(int index) const; // that changed this semaphore
     Result<> setValue(int index, int value) const;
+    [[nodiscard]] Result<semid_ds> status() const;
     Result<> remove() const;
     [[nodiscard]] int id() const { return m_id; }
 
@@ -79,15 +83,18 @@ public:
 
     static Result<MessageQueue> open(IpcName name);
 
-    // Never waits: EAGAIN when the queue is full or, on receiving, empty.
+    // These never wait: EAGAIN when the queue is full or, on receiving, empty.
     Result<> send(long type, std::span<const std::byte> bytes) const;
     [[nodiscard]] Result<Message> receive(std::size_t maxBytes) const;
+    [[nodiscard]] Result<Message> wait(
+        std::size_t maxBytes) const; // for one; EIDRM when the queue is removed meanwhile
     [[nodiscard]] Result<std::size_t> pending() const; // messages waiting
     Result<> remove() const;
     [[nodiscard]] int id() const { return m_id; }
 
 private:
     explicit MessageQueue(int id) : m_id(id) { }
+    [[nodiscard]] Result<Message> receive(std::size_t maxBytes, int flags) const;
 
     int m_id;
 };

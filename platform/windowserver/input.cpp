@@ -42,7 +42,9 @@ void Input::follow(ClientWindow *window)
 void Input::setEnabled(bool on)
 {
     if (!on) {
-        // Their keys will go up unseen.
+        // Pen and keys will go up unseen.
+        if (m_pointer.buttons)
+            sendPointer({m_pointer.position, Qt::NoButton, 0});
         for (const int code : m_holders.keys())
             deliver({0, code, 0, false, false});
     }

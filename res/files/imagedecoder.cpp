@@ -6,6 +6,16 @@
 
 namespace res {
 
+namespace {
+
+bool declaresTooMuch(const QImageReader &reader)
+{
+    const QSize size = reader.size();
+    return size.isValid() && qint64{size.width()} * size.height() > kMaxImageBytes / 4;
+}
+
+}
+
 QImage decodeImage(QByteArrayView bytes)
 {
     // Not every format tells its size beforehand: the toolkit holds those to the limit when they ask for memory.
@@ -15,10 +25,15 @@ QImage decodeImage(QByteArrayView bytes)
     QByteArray raw = QByteArray::fromRawData(bytes.data(), bytes.size());
     QBuffer buffer(&raw);
     QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    if (size.isValid() && qint64{size.width()} * size.height() > kMaxImageBytes / 4)
-        return {};
-    return reader.read();
+    return declaresTooMuch(reader) ? QImage() : reader.read();
+}
+
+bool isImage(QByteArrayView bytes)
+{
+    QByteArray raw = QByteArray::fromRawData(bytes.data(), bytes.size());
+    QBuffer buffer(&raw);
+    QImageReader reader(&buffer);
+    return reader.canRead() && !declaresTooMuch(reader);
 }
 
 }

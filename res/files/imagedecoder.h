@@ -15,4 +15,7 @@ inline constexpr qint64 kMaxImageBytes = qint64{64} << 20;
 // they declare more than kMaxImageBytes: no memory is asked for then.
 TYX_EXPORT QImage decodeImage(QByteArrayView bytes);
 
+// Whether the bytes begin like an image that is not too large, for who decodes them otherwise.
+bool isImage(QByteArrayView bytes);
+
 }

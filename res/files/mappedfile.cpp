@@ -1,7 +1,5 @@
 #include "res/files/mappedfile.h"
 
-#include "platform/system/fd.h"
-
 #include <QFile>
 #include <algorithm>
 #include <array>
@@ -11,17 +9,6 @@
 namespace res {
 
 namespace {
-
-tl::expected<platform::Fd, LoadError> openFile(const QString &path)
-{
-    const QByteArray name = QFile::encodeName(path);
-    if (name.isEmpty() || name.contains('\0'))
-        return tl::make_unexpected(LoadError{LoadError::Name, {"open", EINVAL}});
-    return platform::Fd::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY)
-        .map_error([](const platform::SysError &error) {
-            return LoadError{LoadError::Open, error};
-        });
-}
 
 tl::expected<platform::Mapping, LoadError> map(const platform::Fd &fd)
 {
@@ -46,6 +33,17 @@ tl::expected<ResIndex, FormatFault> indexOf(const platform::Fd &fd, Bytes file, 
     });
 }
 
+}
+
+tl::expected<platform::Fd, LoadError> openFile(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    if (name.isEmpty() || name.contains('\0'))
+        return tl::make_unexpected(LoadError{LoadError::Name, {"open", EINVAL}});
+    return platform::Fd::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY)
+        .map_error([](const platform::SysError &error) {
+            return LoadError{LoadError::Open, error};
+        });
 }
 
 tl::expected<platform::Mapping, LoadError> mapFile(const QString &path)

@@ -1,6 +1,7 @@
 // A resource or skin file in memory.
 #pragma once
 
+#include "platform/system/fd.h"
 #include "platform/system/mapping.h"
 #include "platform/tyxexport.h"
 #include "res/format/resindex.h"
@@ -35,6 +36,9 @@ private:
     platform::Mapping m_mapping;
     ResIndex m_index;
 };
+
+// For reading, without waiting for a FIFO; closed when a program is started.
+tl::expected<platform::Fd, LoadError> openFile(const QString &path);
 
 // The bytes of any file, for who wants to look at one that does not load.
 TYX_EXPORT tl::expected<platform::Mapping, LoadError> mapFile(const QString &path);

@@ -5,6 +5,25 @@
 namespace res {
 
 QString defaultIconFile() { return qEnvironmentVariable("TYX_RES_ICON_PATH") + QStringLiteral("/iconres.tyx"); }
+QString downloadedIconFile()
+{
+    return qEnvironmentVariable("TYX_DOWNLOAD_RES_ICON_PATH") + QStringLiteral("/iconres.tyx");
+}
+
+QString idAt(const ResIndex &index, quint32 slot)
+{
+    const QByteArrayView id = index.idAt(slot);
+    return id.isEmpty() ? QString() : QString::fromLatin1(id);
+}
+
+QString nextId(const ResIndex &index, quint32 &slot)
+{
+    while (slot < index.slotCount()) {
+        if (QString id = idAt(index, slot++); !id.isNull())
+            return id;
+    }
+    return {};
+}
 
 bool ResReaderData::init(const QString &name)
 {
@@ -51,11 +70,7 @@ bool ResReaderData::getDataAtOffset(quint32 offset, const char *&data, unsigned 
     return true;
 }
 
-QString ResReaderData::getID(quint32 slot) const
-{
-    const QByteArrayView id = m_file ? m_file->index().idAt(slot) : QByteArrayView();
-    return id.isEmpty() ? QString() : QString::fromLatin1(id);
-}
+QString ResReaderData::getID(quint32 slot) const { return m_file ? idAt(m_file->index(), slot) : QString(); }
 
 QString ResReaderData::getFirstID()
 {
@@ -63,13 +78,6 @@ QString ResReaderData::getFirstID()
     return getNextID();
 }
 
-QString ResReaderData::getNextID()
-{
-    while (m_file && m_next < m_file->index().slotCount()) {
-        if (QString id = getID(m_next++); !id.isNull())
-            return id;
-    }
-    return {};
-}
+QString ResReaderData::getNextID() { return m_file ? nextId(m_file->index(), m_next) : QString(); }
 
 }

@@ -9,6 +9,12 @@ namespace res {
 
 // The default icon file; "/iconres.tyx" when TYX_RES_ICON_PATH is unset.
 QString defaultIconFile();
+// The one that overrides it; "/iconres.tyx" when TYX_DOWNLOAD_RES_ICON_PATH is unset.
+QString downloadedIconFile();
+
+// The identifier in a slot, null when there is none; the next one from a slot on, which is moved behind it.
+QString idAt(const ResIndex &index, quint32 slot);
+QString nextId(const ResIndex &index, quint32 &slot);
 
 class ResReaderData {
 public:

@@ -1,49 +1,8 @@
 #include "res/files/reswriterdata.h"
 
-#include "platform/system/filereplace.h"
-
 #include <algorithm>
-#include <cstdio>
 
 namespace res {
-
-namespace {
-
-// Every application reads the file.
-constexpr mode_t kMode = 0644;
-
-// Many resources are smaller than what a system call costs.
-class BufferedWriter {
-public:
-    explicit BufferedWriter(platform::FileReplacement &file) : m_file(file) { m_buffer.reserve(kBufferSize); }
-
-    platform::Result<> write(QByteArrayView bytes)
-    {
-        if (m_buffer.size() + bytes.size() > kBufferSize) {
-            if (const auto flushed = flush(); !flushed)
-                return flushed;
-        }
-        if (bytes.size() > kBufferSize)
-            return m_file.write(std::as_bytes(std::span(bytes.data(), size_t(bytes.size()))));
-        m_buffer.append(bytes);
-        return {};
-    }
-
-    platform::Result<> flush()
-    {
-        const auto written = m_file.write(std::as_bytes(std::span(m_buffer.constData(), size_t(m_buffer.size()))));
-        m_buffer.resize(0);
-        return written;
-    }
-
-private:
-    static constexpr qsizetype kBufferSize = 256 << 10;
-
-    platform::FileReplacement &m_file;
-    QByteArray m_buffer;
-};
-
-}
 
 tl::expected<ResWriterData::Tables, BuildFault> ResWriterData::createTables() const
 {
@@ -72,32 +31,19 @@ QString ResWriterData::save(Notes notes)
 {
     const auto tables = createTables();
     if (!tables) {
-        if (tables.error() == BuildFault::TooLarge)
-            return QStringLiteral("more than 4 GiB");
-        QString text = QString::fromLatin1(m_className) + QStringLiteral("::hash: error, hash table full");
-        if (notes == Notes::Print)
-            std::fprintf(stderr, "%s\n", qPrintable(text));
+        QString text = describe(tables.error(), m_className);
+        if (tables.error() == BuildFault::TableFull)
+            note(text, notes);
         return text;
     }
     if (fileName.isEmpty())
         return QStringLiteral("no file name");
-    auto file = platform::FileReplacement::begin(fileName, kMode);
-    if (!file)
-        return file.error().text();
-    if (tables->head.startBlockMoved && notes == Notes::Print)
-        std::fputs("aligning start block\n", stderr); // the hash table behind it is aligned with it
-
-    BufferedWriter writer(*file);
-    auto written = writer.write(tables->head.bytes);
-    for (auto resource = tables->sorted.begin(); written && resource != tables->sorted.end(); ++resource) {
-        written = writer.write(QByteArrayView(blockHeader(quint32((*resource)->data.size()))));
-        if (written)
-            written = writer.write((*resource)->data);
-    }
-    written = written.and_then([&] { return writer.flush(); }).and_then([&] { return file->sync(); }).and_then([&] {
-        return file->publish();
-    });
-    return written ? QString() : written.error().text();
+    noteAlignment(tables->head, notes);
+    std::vector<QByteArrayView> data;
+    data.reserve(tables->sorted.size());
+    for (const Resource *resource : tables->sorted)
+        data.emplace_back(resource->data);
+    return writeFile(fileName, tables->head, data);
 }
 
 }

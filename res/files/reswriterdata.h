@@ -1,7 +1,7 @@
 // What both families of writers do.
 #pragma once
 
-#include "res/format/resbuilder.h"
+#include "res/files/filewriter.h"
 
 #include <QByteArray>
 #include <QString>
@@ -16,8 +16,6 @@ public:
 
     void add(const QString &id, const QByteArray &data) { m_resources.push_back({id.toLatin1(), data}); }
     void clear() { m_resources.clear(); }
-
-    enum class Notes { Print, Leave }; // what happens on the way, on standard error
 
     // What went wrong, or a null string. Then nothing has changed, except that a power cut can undo a replacement whose
     // folder could not be synchronised.

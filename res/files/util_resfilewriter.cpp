@@ -19,13 +19,13 @@ void UTIL_ResFileWriter::reset() { d->clear(); }
 
 bool UTIL_ResFileWriter::write()
 {
-    std::ignore = d->save(res::ResWriterData::Notes::Print);
+    std::ignore = d->save(res::Notes::Print);
     return true;
 }
 
 bool UTIL_ResFileWriter::save(QString *error)
 {
-    const QString reason = d->save(res::ResWriterData::Notes::Leave);
+    const QString reason = d->save(res::Notes::Leave);
     if (error)
         *error = reason;
     return reason.isNull();

@@ -19,13 +19,13 @@ void ZResFileWriter::reset() { d->clear(); }
 
 bool ZResFileWriter::write()
 {
-    std::ignore = d->save(res::ResWriterData::Notes::Print);
+    std::ignore = d->save(res::Notes::Print);
     return true;
 }
 
 bool ZResFileWriter::save(QString *error)
 {
-    const QString reason = d->save(res::ResWriterData::Notes::Leave);
+    const QString reason = d->save(res::Notes::Leave);
     if (error)
         *error = reason;
     return reason.isNull();

@@ -117,5 +117,6 @@ QByteArrayView headerText(Version version)
 }
 
 const char *resourcesHeaderText() { return kResourcesText.data(); }
+const char *skinHeaderText() { return kSkinText.data(); }
 
 }

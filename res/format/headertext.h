@@ -9,7 +9,8 @@ namespace res {
 // title of the ID table. It is as long as the offset of that table.
 QByteArrayView headerText(Version version);
 
-// The same for 1.00, ended by a NUL.
+// The same, ended by a NUL.
 const char *resourcesHeaderText();
+const char *skinHeaderText();
 
 }

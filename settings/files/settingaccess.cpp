@@ -1,10 +1,12 @@
 #include "settings/files/settingaccess.h"
 
 #include "appbase/config/configfile.h"
+#include "platform/bus/qcopchannel.h"
 #include "settings/files/inputsetting.h"
 #include "settings/files/settingkeys.h"
 #include "settings/files/setup_utility.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 namespace settings {
@@ -82,8 +84,16 @@ bool isStorable(const QString &text)
 
 bool mayBeEmpty(const Row &row) { return !row.isSecret && row.effect != Effect::FollowLanguage; }
 
+// The theme of the status table has room for 255 bytes, and every process has a current folder of its own.
+bool isThemePath(const QString &text)
+{
+    return text.isEmpty() || (text.startsWith(u'/') && QFile::encodeName(text).size() <= 255);
+}
+
 bool isStorable(const Row &row, const QString &text)
 {
+    if (row.effect == Effect::TellServer && !isThemePath(text))
+        return false;
     return isStorable(text) && (!text.isEmpty() || mayBeEmpty(row));
 }
 
@@ -115,6 +125,10 @@ bool follow(Effect effect, const QString &text)
         return store(keys::inputLanguage, inputLanguageNumber(text));
     case Effect::TellSystem:
         return store(keys::touchScreenTypeOfSystem, text.toInt());
+    case Effect::TellServer:
+        if (QCoreApplication::instance() != nullptr) // else there is no bus yet
+            QCopChannel::send("TYX/QtServer", "themeChanged()");
+        break;
     }
     return true;
 }

@@ -118,9 +118,10 @@ inline constexpr Setting<int> themeColors[] = {
     {"theme-color-7", themeWorking, u"ThemeColor7", 0x00FFFFFF, "colour 0xRRGGBB", {0, 0xFFFFFF}},
 };
 inline constexpr Setting<int> themeStyle{"theme-style", themeWorking, u"ThemeStyle", 1, "how the colours are used"};
-inline constexpr Setting<QStringView> themeSkin{"theme-skin", themeWorking, u"ThemeSkinFile", u"", "skin file"};
+inline constexpr Setting<QStringView> themeSkin{"theme-skin", themeWorking, u"ThemeSkinFile", u"",
+    "skin file, by its absolute path; empty: the one of the phone", {}, Effect::TellServer};
 inline constexpr Setting<QStringView> themeIcons{"theme-icons", themeWorking, u"ThemeIconPath", u"",
-    "directory of downloaded icons"};
+    "directory of downloaded icons", {}, Effect::TellServer};
 inline constexpr Setting<QStringView> themeSounds{"theme-sounds", themeWorking, u"ThemeSoundPath", u"",
     "directory of the theme's sounds"};
 

@@ -39,6 +39,7 @@ enum class Effect : quint8 {
     TellInputMethods, // the input method server gets the input settings
     FollowLanguage, // the preferred input language becomes the one of the language
     TellSystem, // the system file gets the type of the touch screen's sounds
+    TellServer, // the GUI server puts the theme on
 };
 
 enum class Type : quint8 { Text, Bool, Int, Unsigned, Bytes };

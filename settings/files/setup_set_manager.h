@@ -1,9 +1,9 @@
 // The settings file of one application.
 #pragma once
 
+#include "am/am_global.h"
 #include "appbase/config/zconfig.h"
 #include "platform/tyxexport.h"
-#include "settings/files/am_global.h"
 
 #include <QString>
 #include <QStringList>

@@ -254,7 +254,7 @@ void TstTyxBus::describeTellsWhatIsAskedFor_data()
     QTest::newRow("on two channels, nearly")
         << QStringLiteral("Shutdown") << 2 << QByteArray("TYX/System\n  shutdown()  -- ");
     QTest::newRow("a channel") << QStringLiteral("/TYX/Volume") << 2 << QByteArray("  RKeyPress int:key  -- ");
-    QTest::newRow("a pattern") << QStringLiteral("TYX/Tool/PID") << 4 << QByteArray("TYX/Tool/PID\n  shot(");
+    QTest::newRow("a pattern") << QStringLiteral("TYX/Tool/PID") << 5 << QByteArray("TYX/Tool/PID\n  raw(");
     QTest::newRow("nothing") << QStringLiteral("?") << 0 << QByteArray();
 }
 

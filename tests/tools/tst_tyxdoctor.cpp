@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <sys/sem.h>
 #include <sys/shm.h>
 #include <unistd.h>
 
@@ -71,6 +72,7 @@ void TstTyxDoctor::namesTheFaultAndTheCure_data()
         << u"mkdir /tmp/tyx_theme.cfg"_s << u"/tmp/tyx_theme.cfg"_s << u"put a readable file there"_s;
     QTest::newRow("damaged messages") << u"echo damage > /tmp/qcop-msg-x"_s << u"/tmp/qcop-msg-x"_s
                                       << u"tyx queue drop x"_s;
+    QTest::newRow("another program's semaphores") << u"true"_s << u"TYX_INSTALLED_QT_PATH=/usr"_s << u"ipcrm -s"_s;
     QTest::newRow("the socket of a dead server")
         << u"python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind(\"/tmp/run/tyx-bus\")'"_s
         << u"/tmp/run/tyx-bus"_s << u"start tyx-guiserver"_s;
@@ -88,7 +90,11 @@ void TstTyxDoctor::namesTheFaultAndTheCure()
     };
     const int small = make('m', 100, 0600);
     const int closed = make('n', 4096, 0232); // as the lookup of a program makes it before there is a phone
+    const int semaphores = ::semget(::ftok("/usr", 0), 2, IPC_CREAT | 0600);
+    qputenv("TYX_INSTALLED_QT_PATH", "/usr");
     const QJsonArray all = findings(1);
+    qunsetenv("TYX_INSTALLED_QT_PATH");
+    ::semctl(semaphores, 0, IPC_RMID);
     ::shmctl(small, IPC_RMID, nullptr);
     ::shmctl(closed, IPC_RMID, nullptr);
     run(u"/bin/sh"_s,

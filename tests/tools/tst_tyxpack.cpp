@@ -110,7 +110,8 @@ void TstTyxPack::whatCannotBePackedIsTold_data()
         "tyx: in/none.png: open: No such file or directory; nothing was written\n");
     row("a FIFO", u"in/list"_s, "/dev/keypad0\n", u"in/list"_s,
         "tyx: /dev/keypad0: open: Invalid argument; nothing was written\n");
-    row("no source", u"in/x"_s, "", u"none"_s, "tyx: none: No such file or directory\n");
+    row("no source", u"in/x"_s, "", u"none"_s, "tyx: none: open: No such file or directory\n");
+    row("a source without end", u"in/x"_s, "", u"/dev/zero"_s, "tyx: /dev/zero: open: Invalid argument\n");
 }
 
 void TstTyxPack::whatCannotBePackedIsTold()

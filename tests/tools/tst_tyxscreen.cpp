@@ -73,7 +73,7 @@ void TstTyxScreen::thePhoneCanBeSeenAndUsed()
     QCOMPARE(screen({u"key"_s, u"Return"_s}).status, 0);
     QCOMPARE(hello.line(), "You said: " + text.toUtf8());
 
-    QCOMPARE(screen({u"tap"_s, u"120"_s, u"302"_s}).status, 0);
+    QCOMPARE(screen({u"tap"_s, u"40"_s, u"306"_s}).status, 0);
     QTRY_VERIFY(frontWindow()[u"popup"].toBool());
     QCOMPARE(screen({u"key"_s, u"Down"_s, u"Down"_s, u"Return"_s}).status, 0);
     QCOMPARE(hello.line(), "Hello, phone!");

@@ -16,6 +16,7 @@ constexpr QByteArrayView kScreen = "TYX/Screen";
 constexpr QByteArrayView kInputMethods = "TYX/IMServer";
 
 constexpr char kNone[] = "";
+constexpr char kPressed[] = "int pressed";
 constexpr char kEditorState[] = "int editor, int state, int detail";
 constexpr char kWidgetHidden[] = "int editor, int window, int reason";
 constexpr char kWidgetShown[] = "int editor, int window, int inputType, uuid method, int height";
@@ -70,6 +71,7 @@ constexpr KnownMessage kMessages[] = {
     {kServer, "setFocusToLatestWindow(int)", "int except", "gives the focus to the latest other window"},
     {kServer, "languageChanged()", kNone, "the language was set: everybody is told on TYX/System"},
     {kServer, "HardkeySoundChanged()", kNone, "reads the sound of the hard keys anew"},
+    {kServer, "themeChanged()", kNone, "the theme was set: its skin is loaded, and everybody puts it on"},
 
     {kProgramChannel, "manipulateAppWindows(int,QValueList)", "int operation, ints windows",
         "does something to its windows"},
@@ -106,8 +108,22 @@ constexpr KnownMessage kMessages[] = {
     {"/TYX/CLI", "voice_call_answer", "int key", "the user takes the call that comes in"},
     {"TYX/CLI_INCOMINGCALL", "voice_call_reject", "int key", "the user refuses the call that comes in"},
 
+    {"Q400_DEVICE_REPORT", "HOME", kPressed, "the key F7 moved"},
+    {"Q400_DEVICE_REPORT", "HEADSET ANSWER", kPressed, "the button of the headset moved"},
+    {"Q400_DEVICE_REPORT", "HEADSET STATUS", kPressed, "the headset was plugged in or out"},
+    {"Q400_DEVICE_REPORT", "FLIP", kPressed, "the flip was closed (1) or opened (0)"},
+    {"/AM/Launcher", "VR Activate", kNone, "the side key asks for the voice recognition"},
+    {"/AM/Launcher", "VR DeActivate", kNone, "the side key came up"},
+
+    {"TYX/TouchPanel", "capture(QCString)", "qcstring channel", "the pen goes to a channel, as the panel counts"},
+    {"TYX/TouchPanel", "clearCalibration()", kNone, "points are what the panel counts"},
+    {"TYX/TouchPanel", "restoreCalibration()", kNone, "the stored calibration is in force"},
+    {kToolChannel, "raw(int,int,bool)", "int x, int y, bool down", "the pen, as the panel counts"},
+
     {"TYX/TestCapture", "key(int,int,int,bool,bool)",
         "int unicode, int key, int modifiers, bool pressed, bool repeated", "a phone under test delivered a key"},
+    {"TYX/TestCapture", "record(int,int)", "int device, int record", "a phone under test read a key record"},
+    {"TYX/TestCapture", "sample(int,int,int)", "int pressure, int x, int y", "a phone under test read a touch sample"},
     {"TYX/TestCapture", "pen(int,int,int)", "int x, int y, int buttons", "a phone under test delivered the pen"},
 
     {kScreen, "shot(QCString)", "qcstring answerTo", "asks for a picture of the screen"},

@@ -1,6 +1,8 @@
 #include "tools/tyx/command.h"
 
 #include <QByteArray>
+#include <QFile>
+#include <QSaveFile>
 #include <QStringList>
 #include <algorithm>
 #include <charconv>
@@ -54,6 +56,19 @@ std::optional<qint64> wholeNumber(const std::string &text)
     const auto [stop, error] = std::from_chars(digits, end, number, isHexadecimal ? 16 : 10);
     const bool isNumber = error == std::errc() && stop == end && !(isHexadecimal && *digits == '-');
     return isNumber ? std::optional(number) : std::nullopt;
+}
+
+int saveTo(const std::string &file, const QByteArray &bytes)
+{
+    if (file == "-") {
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+        return Done;
+    }
+    const QString name = QFile::decodeName(file.c_str());
+    QSaveFile out(name);
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
+        return fail(printable(name.toUtf8()) + QStringLiteral(": cannot be written: ") + out.errorString());
+    return Done;
 }
 
 bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }

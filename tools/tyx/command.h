@@ -5,6 +5,7 @@
 #include <QByteArrayView>
 #include <QJsonDocument>
 #include <QString>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -35,6 +36,9 @@ void printJson(const QJsonDocument &document);
 // What was typed as a whole number: decimal, or hexadecimal behind "0x", and nothing around it.
 std::optional<qint64> wholeNumber(const std::string &text);
 
+// Replaces a file, or writes to standard output when it is "-".
+[[nodiscard]] int saveTo(const std::string &file, const QByteArray &bytes);
+
 // For output that somebody waits for. False when it is lost: nobody listens any more, or the disk is full.
 [[nodiscard]] bool flushOutput();
 
@@ -43,14 +47,47 @@ CLI::Validator numberFrom(double least, double most, const std::string &text);
 // How often something is to be seen.
 CLI::Validator countRange();
 
+// `tyx NAME COMMAND`: the commands below one name. They share one Options, which has a `bool json` for addJson(), and
+// answer with their exit status. What is added lives as long as the App.
+template <typename Options> class CommandGroup {
+public:
+    using Action = int (*)(const Options &);
+
+    CommandGroup(CLI::App &app, const char *name, const char *help, int &exit)
+        : m_parent(app.add_subcommand(name, help)), m_exit(exit)
+    {
+        m_parent->require_subcommand(1);
+    }
+
+    CLI::App *add(const char *name, const char *help, Action action) const
+    {
+        CLI::App *command = m_parent->add_subcommand(name, help);
+        command->callback([action, options = m_options, &exit = m_exit] { exit = action(*options); });
+        return command;
+    }
+    CLI::Option *addJson(CLI::App *command) const { return command->add_flag("--json", m_options->json, "As JSON"); }
+    [[nodiscard]] Options &options() const { return *m_options; }
+
+private:
+    CLI::App *m_parent;
+    int &m_exit;
+    std::shared_ptr<Options> m_options = std::make_shared<Options>();
+};
+
 // Each lives in the file of its name; `exit` outlives the parse.
 void addQueue(CLI::App &app, int &exit);
 void addScreen(CLI::App &app, int &exit);
 void addBus(CLI::App &app, int &exit);
 void addConfig(CLI::App &app, int &exit);
+void addIm(CLI::App &app, int &exit);
 void addPack(CLI::App &app, int &exit);
+void addSkin(CLI::App &app, int &exit); // in tyx-images, like the next
+void addShare(CLI::App &app, int &exit);
 void addDoctor(CLI::App &app, int &exit);
+void addLock(CLI::App &app, int &exit);
 void addStatus(CLI::App &app, int &exit);
 void addSettings(CLI::App &app, int &exit);
+void addKeys(CLI::App &app, int &exit); // both in input.cpp
+void addTouch(CLI::App &app, int &exit);
 
 }

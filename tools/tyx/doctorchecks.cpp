@@ -1,5 +1,6 @@
 #include "tools/tyx/doctorchecks.h"
 
+#include "am/registrylock.h"
 #include "appbase/config/configcheck.h"
 #include "appbase/config/configfile.h"
 #include "appbase/messaging/queuefile.h"
@@ -12,6 +13,7 @@
 #include <ZConfig>
 #include <algorithm>
 #include <cstring>
+#include <ctime>
 #include <sys/msg.h>
 #include <sys/shm.h>
 #include <sys/stat.h>
@@ -177,6 +179,43 @@ QList<Finding> keyedObjects()
     return findings;
 }
 
+Finding registryLock(const QString &place, const am::RegistryState &state)
+{
+    constexpr int kSecondsToMakeIt = 2;
+    const QString remove = QStringLiteral("ipcrm -s %1").arg(state.id);
+    if (state.semaphores != 1)
+        return wrong(
+            place, QStringLiteral("%1 semaphores lie under the key instead of 1").arg(state.semaphores), remove);
+    if (state.value > 1)
+        return wrong(place, QStringLiteral("%1 processes can lock the registry at once").arg(state.value), remove);
+    if (state.isHeld() && !state.wasUsed && std::time(nullptr) - state.since > kSecondsToMakeIt)
+        return wrong(place, QStringLiteral("a process died while it made the lock, which nobody can take now"), remove);
+    return state.isHeld() ? note(place, QStringLiteral("process %1 has the registry locked").arg(state.process))
+                          : fine(place, QStringLiteral("the registry can be locked"));
+}
+
+QList<Finding> registryLocks()
+{
+    const char *directory = am::installedQtDirectory(1);
+    const QString place = QStringLiteral("TYX_INSTALLED_QT_PATH=%1").arg(printable(directory));
+    if (!directory)
+        return {
+            note(QStringLiteral("TYX_INSTALLED_QT_PATH"), QStringLiteral("is not set: the registry counts as busy"))};
+    const auto key = am::registryKey(directory);
+    if (!key && key.error().number == EINVAL)
+        return {
+            wrong(place, QStringLiteral("its device and inode number make a private key: nobody can lock the registry"),
+                QStringLiteral("copy the directory and put the copy in its place, which gives it another number"))};
+    if (!key)
+        return {wrong(place, key.error().text(), QStringLiteral("make the directory, or correct the variable"))};
+    const auto state = am::RegistryState::look(*key);
+    if (state)
+        return {registryLock(place, *state)};
+    if (state.error().number == ENOENT)
+        return {fine(place, QStringLiteral("the registry can be locked"))};
+    return {wrong(place, state.error().text(), QStringLiteral("run as its owner"))};
+}
+
 QList<Finding> folders()
 {
     QList<Finding> findings;
@@ -272,6 +311,7 @@ QList<Check> doctorChecks()
         {"bus", bus},
         {"key files", keyFileFindings},
         {"shared objects", keyedObjects},
+        {"registry lock", registryLocks},
         {"folders", folders},
         {"configuration", configurations},
         {"waiting messages", waitingMessages},

@@ -1,68 +1,47 @@
 // tyx: one tool to inspect, drive and test a phone. Each sub-command has its own file and stays thin over the library.
 #include "tools/tyx/command.h"
+#include "tools/tyx/run.h"
 
 #include <QCoreApplication>
-#include <cerrno>
-#include <cstdio>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
+#include <unistd.h>
 
 namespace {
 
-// What is wrong on one line, and where to read more: at the innermost command that was understood.
-std::string usageError(const CLI::App *app, const CLI::Error &error)
+// What works on images is a program of its own, beside this one: every start would have to load what it needs.
+constexpr char kImageProgram[] = "tyx-images";
+
+int runImageProgram(char **argv)
 {
-    std::string command = app->get_name();
-    const CLI::App *innermost = app;
-    while (!innermost->get_subcommands().empty()) {
-        innermost = innermost->get_subcommands().front();
-        command += ' ' + innermost->get_name();
-    }
-    const std::vector<std::string> unknown = innermost->remaining();
-    const bool wantsCommand = error.get_name() == "RequiredError" && innermost->get_require_subcommand_min() > 0;
-    const std::string what = !wantsCommand ? error.what()
-        : unknown.empty()                  ? "which command?"
-                                           : "there is no command '" + unknown.front() + "'";
-    return command + ": " + what + "; see " + command + " --help\n";
+    std::string path(4096, '\0');
+    path.resize(std::size_t(std::max<ssize_t>(::readlink("/proc/self/exe", path.data(), path.size()), 0)));
+    path.replace(path.rfind('/') + 1, std::string::npos, kImageProgram);
+    ::execv(path.c_str(), argv);
+    return tyx::fail(QStringLiteral("%1: %2; install it beside tyx")
+                         .arg(QString::fromLocal8Bit(path.c_str()), qt_error_string(errno)));
 }
 
-// What was printed may be lost, on a full disk for example, and a script has to know.
-int unlessOutputIsLost(int exit)
+// For the list of commands.
+void addImageCommands(CLI::App &app, int &)
 {
-    errno = 0;
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
-        return exit;
-    // Of an earlier write only the failure is remembered.
-    return tyx::fail(
-        QStringLiteral("cannot write to standard output: %1").arg(qt_error_string(errno != 0 ? errno : EIO)));
+    app.add_subcommand("skin", "Packs images and colours into skin files.");
+    app.add_subcommand("share", "Looks at the images that processes share.");
 }
+
+constexpr tyx::AddCommand kCommands[] = {tyx::addScreen, tyx::addKeys, tyx::addTouch, tyx::addBus, tyx::addConfig,
+    tyx::addSettings, tyx::addQueue, tyx::addIm, tyx::addPack, addImageCommands, tyx::addDoctor, tyx::addLock,
+    tyx::addStatus};
 
 }
 
 int main(int argc, char **argv)
 {
+    const std::string_view command = argc < 2 ? "" : argv[1];
+    if (command == "skin" || command == "share")
+        return runImageProgram(argv);
     std::optional<QCoreApplication> events; // most commands wait for answers
-    if (argc < 2 || argv[1] != std::string_view("status"))
+    if (command != "status")
         events.emplace(argc, argv); // takes longer than to read a field
-    CLI::App app("Inspects, drives and tests a phone.", "tyx");
-    app.require_subcommand(1);
-    app.failure_message(usageError);
-    app.footer("Exit status: 0 done, 1 answered no, 2 wrong usage, 3 failed.");
-    int exit = tyx::Done;
-    tyx::addScreen(app, exit);
-    tyx::addBus(app, exit);
-    tyx::addConfig(app, exit);
-    tyx::addSettings(app, exit);
-    tyx::addQueue(app, exit);
-    tyx::addPack(app, exit);
-    tyx::addDoctor(app, exit);
-    tyx::addStatus(app, exit);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError &error) {
-        return unlessOutputIsLost(app.exit(error) == 0 ? tyx::Done : tyx::Usage);
-    }
-    return unlessOutputIsLost(exit);
+    return tyx::run(argc, argv, kCommands);
 }

@@ -1,97 +1,38 @@
 // tyx pack: makes resource files of folders, and looks into them.
-#include "res/files/mappedfile.h"
+#include "res/files/filecontent.h"
 #include "res/files/util_resfilewriter.h"
 #include "res/format/rescheck.h"
-#include "tools/tyx/command.h"
-#include "tools/tyx/packfolder.h"
+#include "tools/tyx/packfile.h"
 #include "tools/tyx/packsource.h"
-#include "tools/tyx/progress.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <cerrno>
-#include <map>
 #include <memory>
 
 namespace tyx {
 
 namespace {
 
+using Options = PackOptions;
 using res::MappedFile;
 
-struct Options {
-    std::string file;
-    std::string other; // folder, manifest or second file
-    std::vector<std::string> names;
-    bool json = false;
-    bool replace = false;
+tl::expected<MappedFile, int> opened(const QString &path) { return tyx::opened(path, res::Version::Resources); }
 
-    [[nodiscard]] QString path() const { return QString::fromStdString(file); }
-    [[nodiscard]] QString otherPath() const { return QString::fromStdString(other); }
-    [[nodiscard]] QStringList nameList() const
-    {
-        QStringList list;
-        for (const std::string &name : names)
-            list.append(QString::fromStdString(name));
-        return list;
-    }
-};
-
-// What a file or its name holds may be anything.
-QString shown(const QString &text) { return printable(text.toUtf8()); }
-
-int failAll(const QStringList &lines)
-{
-    for (const QString &line : lines)
-        std::ignore = fail(shown(line));
-    return Failed;
-}
-
-QString reasonOf(const res::LoadError &error)
-{
-    switch (error.step) {
-    case res::LoadError::Name:
-        return QStringLiteral("no name of a file; check it");
-    case res::LoadError::Open:
-        return error.system.text() + QStringLiteral("; check the name");
-    case res::LoadError::Map:
-        return error.system.text() + QStringLiteral("; name a regular file");
-    case res::LoadError::Format:
-        break;
-    }
-    return res::describe(error.format) + QStringLiteral("; it is no resource file, or damaged: make it again");
-}
-
-tl::expected<MappedFile, int> opened(const QString &path)
-{
-    return MappedFile::open(path, res::Version::Resources).map_error([&](const res::LoadError &error) {
-        return fail(QStringLiteral("%1: %2").arg(shown(path), reasonOf(error)));
-    });
-}
-
-// What readers find, in ascending order of the identifiers.
+// In ascending order of the identifiers.
 using Contents = std::map<QByteArray, tl::expected<res::Bytes, res::BlockFault>>;
 
 Contents contentsOf(const MappedFile &file)
 {
-    const res::ResIndex &index = file.index();
-    Contents contents;
-    for (quint32 slot = 0; slot < index.slotCount(); ++slot) {
-        const QByteArrayView id = index.idAt(slot);
-        if (!id.isNull() && index.find(id) == slot)
-            contents.emplace(id.toByteArray(), index.block(index.dataOffsetAt(slot)));
-    }
-    return contents;
+    return tyx::contentsOf(
+        file.index(), [&](quint32 slot) { return file.index().block(file.index().dataOffsetAt(slot)); });
 }
-
-QByteArrayView viewOf(res::Bytes bytes) { return {bytes.data(), qsizetype(bytes.size())}; }
 
 // Reads the files into the writer; the first that cannot be read is told.
 int addFiles(UTIL_ResFileWriter &writer, const std::vector<PackItem> &items)
 {
     Progress progress(QStringLiteral("reading"), qsizetype(items.size()));
     for (const PackItem &item : items) {
-        const auto content = contentOf(item.path);
+        const auto content = res::fileContent(item.path);
         if (!content)
             return fail(QStringLiteral("%1: %2; nothing was written").arg(shown(item.path), content.error().text()));
         writer.add(item.id, *content);
@@ -103,10 +44,7 @@ int addFiles(UTIL_ResFileWriter &writer, const std::vector<PackItem> &items)
 int save(UTIL_ResFileWriter &writer)
 {
     QString error;
-    if (writer.save(&error))
-        return Done;
-    return fail(
-        QStringLiteral("%1: %2; check its folder, and that the disk is not full").arg(shown(writer.fileName()), error));
+    return writer.save(&error) ? int{Done} : failToSave(writer.fileName(), error);
 }
 
 int create(const Options &options)
@@ -173,67 +111,27 @@ int list(const Options &options)
     return Done;
 }
 
-// Those that were asked for; the names that are not there are told.
-tl::expected<Contents, int> chosen(const Options &options, const MappedFile &file)
-{
-    Contents all = contentsOf(file);
-    if (options.names.empty())
-        return all;
-    Contents some;
-    for (const QString &name : options.nameList()) {
-        const auto found = all.find(name.toLatin1());
-        if (found == all.end()) {
-            std::ignore = fail(QStringLiteral("%1: there is no '%2'; tyx pack list shows what is")
-                                   .arg(shown(options.path()), shown(name)));
-            return tl::make_unexpected(int{AnsweredNo});
-        }
-        some.insert(*found);
-    }
-    return some;
-}
-
-// Why not, or null.
-QString extractOne(const TargetFolder &folder, const QString &id, const Contents::mapped_type &data, bool replace)
-{
-    if (!data)
-        return res::describe(data.error());
-    const QString name = fileNameOf(id, viewOf(*data));
-    if (name.isNull())
-        return QStringLiteral("no file can have this name");
-    const auto written = folder.write(name, viewOf(*data), replace);
-    if (written)
-        return {};
-    return written.error().text() + (written.error().number == EEXIST ? QStringLiteral("; see --replace") : QString());
-}
-
 int extract(const Options &options)
 {
     const auto file = opened(options.path());
     if (!file)
         return file.error();
-    const auto contents = chosen(options, *file);
+    const auto contents = chosen(options, contentsOf(*file), QStringLiteral("pack"));
     if (!contents)
         return contents.error();
-    const auto folder = TargetFolder::open(options.otherPath());
-    if (!folder)
-        return fail(
-            QStringLiteral("%1: %2; name a folder to write to").arg(shown(options.otherPath()), folder.error().text()));
-    int exit = Done;
-    Progress progress(QStringLiteral("writing"), qsizetype(contents->size()));
-    for (const auto &[bytes, data] : *contents) {
-        const QString id = QString::fromLatin1(bytes);
-        if (const QString why = extractOne(*folder, id, data, options.replace); !why.isNull())
-            exit = fail(QStringLiteral("%1: '%2' was not extracted: %3").arg(shown(options.path()), shown(id), why));
-        progress.step();
-    }
-    return exit;
+    return extractAll(options, *contents, [](const Contents::mapped_type &data) {
+        return data
+            .map([](res::Bytes bytes) { return QByteArray::fromRawData(viewOf(bytes).data(), viewOf(bytes).size()); })
+            .map_error([](res::BlockFault fault) { return res::describe(fault); });
+    });
 }
 
 int verify(const Options &options)
 {
     const auto mapping = res::mapFile(options.path());
     if (!mapping)
-        return fail(QStringLiteral("%1: %2").arg(shown(options.path()), reasonOf(mapping.error())));
+        return fail(
+            QStringLiteral("%1: %2").arg(shown(options.path()), reasonOf(mapping.error(), res::Version::Resources)));
     const bool skin = viewOf(mapping->bytes()).startsWith(res::magic(res::Version::Skin));
     const auto flaw = res::check(mapping->bytes(), skin ? res::Version::Skin : res::Version::Resources);
     if (options.json) {
@@ -259,8 +157,7 @@ int diff(const Options &options)
         return other.error();
     const Contents before = contentsOf(*one);
     Contents after = contentsOf(*other);
-    std::map<QString, QStringList> kinds{
-        {QStringLiteral("added"), {}}, {QStringLiteral("changed"), {}}, {QStringLiteral("removed"), {}}};
+    Differences kinds{{QStringLiteral("added"), {}}, {QStringLiteral("changed"), {}}, {QStringLiteral("removed"), {}}};
     for (const auto &[id, data] : before) {
         const auto found = after.find(id);
         if (found == after.end())
@@ -271,31 +168,13 @@ int diff(const Options &options)
     }
     for (const auto &[id, data] : after)
         kinds[QStringLiteral("added")].append(QString::fromLatin1(id));
-    QJsonObject object;
-    bool differ = false;
-    for (const auto &[kind, ids] : kinds) {
-        differ |= !ids.isEmpty();
-        object.insert(kind, QJsonArray::fromStringList(ids));
-        for (const QString &id : options.json ? QStringList() : ids)
-            printLine(kind.leftJustified(9) + id);
-    }
-    if (options.json)
-        printJson(QJsonDocument(object));
-    return differ ? AnsweredNo : Done;
+    return printDifferences(kinds, options.json);
 }
 
-// Names of files are text here; of other bytes, other files would be read and written.
 int runOnText(int (*action)(const Options &), const Options &options)
 {
-    std::vector<std::string> given = options.names;
-    given.insert(given.end(), {options.file, options.other});
-    for (const std::string &text : given) {
-        if (QUtf8StringView(text.data(), qsizetype(text.size())).isValidUtf8())
-            continue;
-        std::ignore = fail(QStringLiteral("\"%1\" is not UTF-8").arg(printable(text)));
-        return Usage;
-    }
-    return action(options);
+    const int refused = refuseOtherThanText(options);
+    return refused == Done ? action(options) : refused;
 }
 
 }

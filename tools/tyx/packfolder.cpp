@@ -6,7 +6,6 @@
 #include <QFile>
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tyx {
@@ -36,38 +35,6 @@ constexpr Signature kSignatures[] = {
     {"\xFF", QLatin1StringView(".a"), QLatin1StringView(".mp3")},
 };
 
-// Fills `all`, or cuts it down to what there is.
-Result<> readInto(QByteArray &all, int fd)
-{
-    qsizetype size = 0;
-    while (size < all.size()) {
-        const ssize_t got = ::read(fd, all.data() + size, size_t(all.size() - size));
-        if (got < 0 && errno != EINTR)
-            return failed("read");
-        if (got == 0)
-            break;
-        size += std::max<ssize_t>(got, 0);
-    }
-    all.truncate(size);
-    return {};
-}
-
-}
-
-Result<QByteArray> contentOf(const QString &path)
-{
-    const auto file = Fd::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY);
-    if (!file)
-        return tl::make_unexpected(file.error());
-    struct stat status = {};
-    if (::fstat(file->get(), &status) != 0)
-        return failed("fstat");
-    if (!S_ISREG(status.st_mode))
-        return failed("open", EINVAL);
-    if (status.st_size > kMaxResourceBytes)
-        return failed("read", EFBIG);
-    QByteArray bytes(qsizetype(status.st_size), Qt::Uninitialized);
-    return readInto(bytes, file->get()).map([&] { return std::move(bytes); });
 }
 
 QString fileNameOf(const QString &id, QByteArrayView data)
@@ -107,6 +74,17 @@ Result<> TargetFolder::write(const QString &name, QByteArrayView data, bool repl
     if (!written)
         ::unlinkat(folder, path.constData(), 0);
     return written;
+}
+
+QString TargetFolder::extract(const QString &id, QByteArrayView data, bool replace) const
+{
+    const QString name = fileNameOf(id, data);
+    if (name.isNull())
+        return QStringLiteral("no file can have this name");
+    const auto written = write(name, data, replace);
+    if (written)
+        return {};
+    return written.error().text() + (written.error().number == EEXIST ? QStringLiteral("; see --replace") : QString());
 }
 
 }

@@ -1,19 +1,12 @@
-// The folder that resources are unpacked into, and the plain files that are packed.
+// The folder that resources are unpacked into.
 #pragma once
 
 #include "platform/system/fd.h"
 
-#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 
 namespace tyx {
-
-// A resource of a phone is not larger; it is read into memory.
-inline constexpr qint64 kMaxResourceBytes = qint64{256} << 20;
-
-// The bytes of a regular file; EINVAL for anything else, EFBIG for one that is larger. A FIFO is not waited for.
-platform::Result<QByteArray> contentOf(const QString &path);
 
 // The name that a resource gets as a file: its own, or with the extension that its bytes ask for where packing the file
 // gives the same identifier again. Null when no file of a folder can have that name.
@@ -28,6 +21,9 @@ public:
 
     // EEXIST for a file that is there already, unless `replace` is set.
     [[nodiscard]] platform::Result<> write(const QString &name, QByteArrayView data, bool replace) const;
+
+    // Writes a resource under the name that it gets as a file. Why not, for people, or null.
+    [[nodiscard]] QString extract(const QString &id, QByteArrayView data, bool replace) const;
 
 private:
     explicit TargetFolder(platform::Fd folder) : m_folder(std::move(folder)) { }

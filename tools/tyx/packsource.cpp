@@ -1,5 +1,6 @@
 #include "tools/tyx/packsource.h"
 
+#include "res/files/filecontent.h"
 #include "res/format/resid.h"
 #include "res/format/reslayout.h"
 #include "tools/tyx/command.h"
@@ -14,27 +15,6 @@
 namespace tyx {
 
 namespace {
-
-// Sorted, or what is wrong with them.
-PackItems checked(std::vector<PackItem> items)
-{
-    QStringList errors;
-    // By the path too: whose errors come first does not depend on the order in which the disk lists them.
-    std::sort(items.begin(), items.end(),
-        [](const PackItem &a, const PackItem &b) { return std::tie(a.id, a.path) < std::tie(b.id, b.path); });
-    const PackItem *before = nullptr;
-    for (const PackItem &item : items) {
-        if (const QString why = whyNoIdentifier(item.id); !why.isNull())
-            errors.append(QStringLiteral("%1: %2; rename it").arg(item.path, why));
-        if (before && before->id == item.id)
-            errors.append(QStringLiteral("%1: has the same identifier '%2' as %3; rename one of them")
-                              .arg(item.path, item.id, before->path));
-        before = &item;
-    }
-    if (!errors.isEmpty())
-        return tl::make_unexpected(errors);
-    return items;
-}
 
 // Not by the toolkit's iterator: it asks the disk about every file once more.
 PackItems itemsOfFolder(const QString &folder)
@@ -54,36 +34,69 @@ PackItems itemsOfFolder(const QString &folder)
     if (error)
         return tl::make_unexpected(
             QStringList(QStringLiteral("%1: %2").arg(folder, QString::fromLocal8Bit(error.message().c_str()))));
-    return checked(std::move(items));
+    return checkedItems(std::move(items));
 }
 
 PackItems itemsOfManifest(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return tl::make_unexpected(QStringList(QStringLiteral("%1: %2").arg(path, file.errorString())));
+    const auto lines = linesOf(path);
+    if (!lines)
+        return tl::make_unexpected(QStringList(lines.error()));
     const QString folder = QFileInfo(path).path() + u'/';
     std::vector<PackItem> items;
     QStringList errors;
-    for (int number = 1; !file.atEnd(); ++number) {
-        QByteArray line = file.readLine();
-        if (line.endsWith('\n'))
-            line.chop(1);
-        if (line.isEmpty() || line.startsWith('#'))
-            continue;
-        const qsizetype tab = line.indexOf('\t');
-        const QString name = QString::fromUtf8(line.first(tab < 0 ? line.size() : tab));
-        const QString id = tab < 0 ? res::createID(name) : QString::fromUtf8(line.mid(tab + 1));
+    for (const SourceLine &line : *lines) {
+        const qsizetype tab = line.text.indexOf('\t');
+        const QString name = QString::fromUtf8(line.text.first(tab < 0 ? line.text.size() : tab));
+        const QString id = tab < 0 ? res::createID(name) : QString::fromUtf8(line.text.mid(tab + 1));
         if (name.isEmpty())
-            errors.append(QStringLiteral("%1:%2: no path before the tab").arg(path, QString::number(number)));
+            errors.append(QStringLiteral("%1: no path before the tab").arg(line.place));
         else
             items.push_back({id, name.startsWith(u'/') ? name : folder + name});
     }
     if (!errors.isEmpty())
         return tl::make_unexpected(errors);
-    return checked(std::move(items));
+    return checkedItems(std::move(items));
 }
 
+}
+
+PackItems checkedItems(std::vector<PackItem> items)
+{
+    QStringList errors;
+    // By the path too: whose errors come first does not depend on the order in which the disk lists them.
+    std::sort(items.begin(), items.end(),
+        [](const PackItem &a, const PackItem &b) { return std::tie(a.id, a.path) < std::tie(b.id, b.path); });
+    const PackItem *before = nullptr;
+    for (const PackItem &item : items) {
+        if (const QString why = whyNoIdentifier(item.id); !why.isNull())
+            errors.append(QStringLiteral("%1: %2; rename it").arg(item.path, why));
+        if (before && before->id == item.id)
+            errors.append(QStringLiteral("%1: has the same identifier '%2' as %3; rename one of them")
+                              .arg(item.path, item.id, before->path));
+        before = &item;
+    }
+    if (!errors.isEmpty())
+        return tl::make_unexpected(errors);
+    return items;
+}
+
+tl::expected<std::vector<SourceLine>, QString> linesOf(const QString &path)
+{
+    const auto content = res::fileContent(path);
+    if (!content)
+        return tl::make_unexpected(QStringLiteral("%1: %2").arg(path, content.error().text()));
+    std::vector<SourceLine> lines;
+    qsizetype start = 0;
+    for (int number = 1; start < content->size(); ++number) {
+        const qsizetype found = content->indexOf('\n', start);
+        const qsizetype end = found < 0 ? content->size() : found;
+        const QByteArray line = content->mid(start, end - start);
+        start = end + 1;
+        if (!line.isEmpty() && !line.startsWith('#'))
+            lines.push_back({QStringLiteral("%1:%2").arg(path, QString::number(number)), line});
+    }
+    return lines;
 }
 
 QString whyNoIdentifier(const QString &id)
@@ -111,7 +124,7 @@ PackItems itemsOf(const QStringList &paths)
     std::vector<PackItem> items;
     for (const QString &path : paths)
         items.push_back({res::createID(path), path});
-    return checked(std::move(items));
+    return checkedItems(std::move(items));
 }
 
 }

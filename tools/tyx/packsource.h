@@ -25,6 +25,18 @@ PackItems itemsOf(const QString &folderOrManifest);
 
 PackItems itemsOf(const QStringList &paths);
 
+// The items in order, or what is wrong with them, told by their paths.
+PackItems checkedItems(std::vector<PackItem> items);
+
+// A line of a text that names things.
+struct SourceLine {
+    QString place; // "file:3"
+    QByteArray text; // without its end
+};
+
+// All lines but those that say nothing: empty ones, and those that begin with #. Otherwise why the file cannot be read.
+tl::expected<std::vector<SourceLine>, QString> linesOf(const QString &path);
+
 // Why an identifier would not be found by readers, or not as it is written; null when it would.
 QString whyNoIdentifier(const QString &id);
 

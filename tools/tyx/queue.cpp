@@ -9,7 +9,6 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <algorithm>
-#include <memory>
 
 namespace tyx {
 
@@ -204,30 +203,20 @@ int replay(const Options &options)
     return Done;
 }
 
-using Action = int (*)(const Options &);
-
 }
 
 void addQueue(CLI::App &app, int &exit)
 {
-    CLI::App *parent = app.add_subcommand("queue", "Looks after messages that wait for applications to start.");
-    parent->require_subcommand(1);
-    const auto options = std::make_shared<Options>();
-    const auto add = [&](const char *name, const char *help, Action action) {
-        CLI::App *command = parent->add_subcommand(name, help);
-        command->callback([action, options, &exit] { exit = action(*options); });
-        return command;
-    };
+    const CommandGroup<Options> group(app, "queue", "Looks after messages that wait for applications to start.", exit);
     const auto named = [&](CLI::App *command) {
-        command->add_option("name", options->name, "Application or process id, for example hello")->required();
+        command->add_option("name", group.options().name, "Application or process id, for example hello")->required();
         return command;
     };
-    const auto json = [&](CLI::App *command) { command->add_flag("--json", options->json, "As JSON"); };
 
-    json(add("list", "Lists for whom messages wait, since when the last one does, and how many.", list));
-    json(named(add("show", "Prints the messages that wait: channel, name, size, arguments.", show)));
-    named(add("drop", "Throws them away.", drop));
-    named(add("replay", "Sends them to the application; 1 when it does not run.", replay));
+    group.addJson(group.add("list", "Lists for whom messages wait, since when the last one does, and how many.", list));
+    group.addJson(named(group.add("show", "Prints the messages that wait: channel, name, size, arguments.", show)));
+    named(group.add("drop", "Throws them away.", drop));
+    named(group.add("replay", "Sends them to the application; 1 when it does not run.", replay));
 }
 
 }

@@ -76,15 +76,7 @@ int shot(const std::string &file)
     const auto png = contentOf(expect("shot(QByteArray)", ask("shot(QCString)")));
     if (!png)
         return Failed;
-    if (file == "-") {
-        std::fwrite(png->constData(), 1, size_t(png->size()), stdout);
-        return Done;
-    }
-    const QString name = QFile::decodeName(file.c_str());
-    QSaveFile out(name);
-    if (!out.open(QIODevice::WriteOnly) || out.write(*png) != png->size() || !out.commit())
-        return fail(name + QStringLiteral(": cannot be written: ") + out.errorString());
-    return Done;
+    return saveTo(file, *png);
 }
 
 QString row(const QJsonObject &window)

@@ -11,7 +11,6 @@
 #include <QStringList>
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <optional>
 #include <sys/shm.h>
 #include <tl/expected.hpp>
@@ -339,46 +338,38 @@ int init(const Options & /*options*/)
     return UTIL_CopySystemTable(&table) ? Done : noTable();
 }
 
-using Action = int (*)(const Options &);
-
 }
 
 void addStatus(CLI::App &app, int &exit)
 {
-    CLI::App *parent = app.add_subcommand("status", "Looks at the phone's live state, changes it and follows it.");
-    parent->require_subcommand(1);
-    const auto options = std::make_shared<Options>();
-    const auto add = [&](const char *name, const char *help, Action action) {
-        CLI::App *command = parent->add_subcommand(name, help);
-        command->callback([action, options, &exit] { exit = action(*options); });
-        return command;
-    };
+    const CommandGroup<Options> group(
+        app, "status", "Looks at the phone's live state, changes it and follows it.", exit);
+    Options &options = group.options();
     const auto field = [&](CLI::App *command) {
-        command->add_option("FIELD", options->field, "The field, for example battery-level")->required();
+        command->add_option("FIELD", options.field, "The field, for example battery-level")->required();
     };
-    const auto json = [&](CLI::App *command) { return command->add_flag("--json", options->json, "As JSON"); };
 
-    CLI::App *command = add("list", "Lists all fields: offset, type, name, value.", list);
-    json(command)->excludes(
-        command->add_flag("--markdown", options->markdown, "The layout as a table for documents, without values"));
+    CLI::App *command = group.add("list", "Lists all fields: offset, type, name, value.", list);
+    group.addJson(command)->excludes(
+        command->add_flag("--markdown", options.markdown, "The layout as a table for documents, without values"));
 
-    command = add("get", "Prints a field.", get);
+    command = group.add("get", "Prints a field.", get);
     field(command);
-    json(command);
+    group.addJson(command);
 
-    command = add("set", "Changes a field.", set);
+    command = group.add("set", "Changes a field.", set);
     field(command);
-    command->add_option("VALUE", options->value, "A number (also 0x...), several separated by commas, or a text")
+    command->add_option("VALUE", options.value, "A number (also 0x...), several separated by commas, or a text")
         ->required();
 
-    command = add("watch", "Prints what changes, as it changes, until it is stopped.", watch);
-    command->add_option("FIELD", options->fields, "Only these fields");
-    command->add_option("--count", options->count, "Stop after so many lines")->check(countRange());
-    json(command);
+    command = group.add("watch", "Prints what changes, as it changes, until it is stopped.", watch);
+    command->add_option("FIELD", options.fields, "Only these fields");
+    command->add_option("--count", options.count, "Stop after so many lines")->check(countRange());
+    group.addJson(command);
 
-    add("dump", "Prints all bytes with the fields that they belong to.", dump);
-    add("init", "Makes the tables on a machine without a GUI server, or puts all fields back to their initial values.",
-        init);
+    group.add("dump", "Prints all bytes with the fields that they belong to.", dump);
+    group.add("init",
+        "Makes the tables on a machine without a GUI server, or puts all fields back to their initial values.", init);
 }
 
 }

@@ -179,8 +179,14 @@ void TstStrings::themePathsAreTakenAndPublished()
     publishThemePaths({.skinFile = u"/a/\u00e4.skn"_s, .iconPath = u"/icons"_s});
     QCOMPARE(qgetenv("TYX_RES_SKIN_FILE"), "/a/\xc3\xa4.skn");
     publishThemePaths({.skinFile = u"/b.skn"_s, .iconPath = {}});
-    QCOMPARE(themePaths().skinFile, u"/b.skn"_s);
-    QCOMPARE(themePaths().iconPath, u"/icons"_s);
+    QCOMPARE(qgetenv("TYX_RES_SKIN_FILE"), "/b.skn");
+    QVERIFY(!qEnvironmentVariableIsSet("TYX_DOWNLOAD_RES_ICON_PATH"));
+    // What was given comes back when the theme is taken off, also in a program that was started in between.
+    qputenv("TYX_RES_SKIN_FILE", "/given.skn");
+    QCOMPARE(themePaths().skinFile, u"/given.skn"_s);
+    publishThemePaths({.skinFile = u"/theme.skn"_s, .iconPath = u"/icons"_s});
+    QCOMPARE(themePaths().skinFile, u"/given.skn"_s);
+    QVERIFY(themePaths().iconPath.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TstStrings)

@@ -303,7 +303,7 @@ QList<TstZApplication::Row> TstZApplication::rows() const
                 {kUpdateEditorState, wire::pack(7, 1, 2), "state 7 tst 1 2"},
                 {kUpdateEditorState, wire::pack(8, 1, 2), ""}, {kOrderWindows, wire::pack(1, QString()), ""},
                 {kFocusLatestWindow, wire::pack(0), ""}, {"languageChanged()", {}, "system languageChanged() "},
-                {"HardkeySoundChanged()", {}, ""}, {"unknown", {}, ""}}},
+                {"HardkeySoundChanged()", {}, ""}, {"themeChanged()", {}, "palette|style"}, {"unknown", {}, ""}}},
         {Application,
             {{kObeyWindowOrder, wire::pack(4, QList<int>{1, 2}), QByteArray("app ") + kObeyWindowOrder + " *"},
                 {kInputWidgetShown, wire::pack(7, 1, 2, uuid, 100),
