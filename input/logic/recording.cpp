@@ -156,15 +156,16 @@ QList<qint64> shortenedPauses(const QList<Event> &events)
     QList<qint64> pauses;
     QSet<quint16> keysDown;
     bool penDown = false;
-    std::optional<qint64> lifted; // when the pen was, as long as nothing came that takes time
+    constexpr qint64 kNever = -1;
+    qint64 lifted = kNever; // when the pen was
     qint64 before = 0;
     for (const Event &event : events) {
         const qint64 pause = event.at - std::exchange(before, event.at);
         const auto *touch = std::get_if<Touch>(&event.what);
         const bool down = touch && touch->sample.pressure > 0;
-        const bool afterTouch = down && !penDown && lifted;
+        const bool afterTouch = down && !penDown && lifted != kNever;
         pauses.append(!keysDown.isEmpty() || penDown ? pause
-                : afterTouch                         ? std::min(event.at - *lifted, kAfterTouch)
+                : afterTouch                         ? std::min(event.at - lifted, kAfterTouch)
                                                      : 0);
         if (touch && std::exchange(penDown, down) && !down)
             lifted = event.at;

@@ -74,7 +74,7 @@ Outcome Replay::run(const QList<recording::Event> &events, bool fast)
         }
         pause(fast ? milliseconds(pauses[i])
                    : std::chrono::duration_cast<milliseconds>(start + milliseconds(event.at) - steady_clock::now()));
-        if (auto played = std::visit([this](const auto &what) { return play(what); }, event.what); !played)
+        if (auto played = std::visit([this](const auto &what) { return this->play(what); }, event.what); !played)
             return problem(QStringLiteral("event %1: %2").arg(QString::number(i + 1), played.error()));
     }
     return m_writer.settle();
@@ -84,7 +84,7 @@ Outcome Replay::run(const QList<recording::Event> &events, bool fast)
 
 int replay(const RecordingOptions &options)
 {
-    constexpr qint64 kLargest = 256 * 1024 * 1024;
+    constexpr qint64 kLargest = 256LL * 1024 * 1024;
     QFile file(QFile::decodeName(options.file.c_str()));
     if (!file.open(QIODevice::ReadOnly))
         return fail(file.fileName() + QStringLiteral(": ") + file.errorString());
