@@ -1,9 +1,9 @@
 // Any bytes as key records, on a phone that is suspended and in a call now and then.
 #include "input/logic/keypadlogic.h"
+#include "tests/fuzz/require.h"
 
 #include <Qt>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
@@ -15,12 +15,6 @@ struct AnyPhone : keypad::Phone {
     bool hasWindowServer() const override { return bits & 4; }
     bool takesHeadsetAnswer() const override { return bits & 8; }
 };
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 }
 

@@ -1,20 +1,14 @@
 // Any bytes as a calibration file, and as four points that are to give one; and recordings, which are texts too.
 #include "input/logic/calibration.h"
 #include "input/logic/recording.h"
+#include "tests/fuzz/require.h"
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 
 namespace {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 void use(const TP_Calibration_Parameter_T &p)
 {

@@ -2,9 +2,9 @@
 #include "res/format/nameindex.h"
 #include "res/format/rescheck.h"
 #include "res/format/resid.h"
+#include "tests/fuzz/require.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
@@ -31,12 +31,6 @@ std::optional<quint32> walk(const ResIndex &index, Bytes file, QByteArrayView id
             return slot;
     }
     return {};
-}
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
 }
 
 void look(const ResIndex &index, Bytes file, const NameIndex &names, QByteArrayView id)

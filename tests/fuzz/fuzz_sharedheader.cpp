@@ -1,19 +1,13 @@
 // Any bytes as the segment of a shared image.
 #include "res/share/sharedheader.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <tuple>
 #include <vector>
 
 namespace {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 // Touches all, for the sanitizer.
 std::uint64_t sum(std::span<const std::byte> bytes)

@@ -3,21 +3,15 @@
 #include "res/files/skinrect.h"
 #include "res/skin/skincut.h"
 #include "res/skin/skinfile.h"
+#include "tests/fuzz/require.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace res;
 
 constexpr QSize kAtlas(37, 29); // whose rows and mask have padding
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 QImage filled(QImage::Format format)
 {

@@ -16,9 +16,12 @@ constexpr qsizetype kLongestLanguages = 200;
 // One line, whatever a file says.
 QString oneLine(const QString &text, qsizetype longest)
 {
-    QString line = text.left(longest * 4).simplified().left(longest);
-    line.removeIf([](QChar c) { return c.category() == QChar::Other_Control || c.category() == QChar::Other_Format; });
-    return line;
+    QString line = text.left(longest * 4);
+    for (QChar &c : line) {
+        if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format)
+            c = u' ';
+    }
+    return line.simplified().left(longest).trimmed();
 }
 
 bool offersPrediction(const QJsonArray &interfaces)
