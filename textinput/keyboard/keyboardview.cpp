@@ -1,83 +1,8 @@
 #include "textinput/keyboard/keyboardview.h"
 
 #include "textinput/keyboard/keyboardlayout.h"
-#include "textinput/plugin/zinputmethodplugin.h"
 
-#include <QMouseEvent>
-#include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
-#include <numeric>
-
-namespace {
-
-constexpr int kRows = 4;
-constexpr int kRowHeight = 33; // pixels; ten keys are 24 wide on a screen of 240
-constexpr int kGap = 2; // between keys
-constexpr int kHoldMs = 450; // until a key offers its accents, or repeats
-constexpr int kRepeatMs = 60;
-constexpr int kAccentWidth = 28;
-
-QList<KeyboardKey> typing(const QString &letters)
-{
-    QList<KeyboardKey> keys;
-    for (const QChar letter : letters)
-        keys.append({KeyboardKey::Type, letter, {}});
-    return keys;
-}
-
-bool isCommand(const KeyboardKey &key) { return key.action != KeyboardKey::Type && key.action != KeyboardKey::Space; }
-
-QColor mix(const QColor &a, const QColor &b, double share)
-{
-    return QColor::fromRgbF(float(a.redF() + (b.redF() - a.redF()) * share),
-        float(a.greenF() + (b.greenF() - a.greenF()) * share), float(a.blueF() + (b.blueF() - a.blueF()) * share));
-}
-
-// The signs of the keys that say no text, in a square around the middle.
-QPainterPath sign(KeyboardKey::Action action, QPointF middle)
-{
-    QPainterPath path;
-    switch (action) {
-    case KeyboardKey::Shift:
-        path.addPolygon(QPolygonF({{0, -7}, {7, 0}, {3, 0}, {3, 6}, {-3, 6}, {-3, 0}, {-7, 0}, {0, -7}}));
-        break;
-    case KeyboardKey::Backspace:
-        path.addPolygon(QPolygonF({{-9, 0}, {-3, -6}, {8, -6}, {8, 6}, {-3, 6}, {-9, 0}}));
-        path.moveTo(-1, -3);
-        path.lineTo(5, 3);
-        path.moveTo(5, -3);
-        path.lineTo(-1, 3);
-        break;
-    case KeyboardKey::Enter:
-        path.moveTo(8, -6);
-        path.lineTo(8, 1);
-        path.lineTo(-8, 1);
-        path.moveTo(-3, -4);
-        path.lineTo(-8, 1);
-        path.lineTo(-3, 6);
-        break;
-    case KeyboardKey::Space:
-        path.moveTo(-16, 1);
-        path.lineTo(-16, 5);
-        path.lineTo(16, 5);
-        path.lineTo(16, 1);
-        break;
-    default:
-        break;
-    }
-    return path.translated(middle);
-}
-
-}
-
-KeyboardView::KeyboardView(ZInputMethodSink &sink) : m_sink(sink)
-{
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    setFocusPolicy(Qt::NoFocus);
-}
-
-QSize KeyboardView::sizeHint() const { return {240, kRows * kRowHeight + kGap}; }
 
 void KeyboardView::setLanguage(const QString &language)
 {
@@ -99,15 +24,11 @@ void KeyboardView::nextShift()
     update();
 }
 
-void KeyboardView::arrange()
+void KeyboardView::addKeys()
 {
     const bool letters = m_symbols < 0;
     const KeyboardLayout &layout = keyboardlayout::all().at(m_layout);
     const KeyRows &rows = letters ? layout.rows : keyboardlayout::symbols(m_symbols);
-    m_keys.clear();
-    m_accents.clear();
-    m_down = m_accent = -1;
-    m_hold.stop();
     addRow(typing(rows.top), QList<double>(rows.top.size(), 1), 0);
     addRow(typing(rows.middle), QList<double>(rows.middle.size(), 1), 1);
     QList<KeyboardKey> bottom = typing(rows.bottom);
@@ -125,126 +46,9 @@ void KeyboardView::arrange()
             {KeyboardKey::Language, layout.label, {}}, {KeyboardKey::Type, QStringLiteral(","), {}},
             {KeyboardKey::Space, {}, {}}, {KeyboardKey::Type, QStringLiteral("."), {}}, {KeyboardKey::Enter, {}, {}}},
         {1.6, 1.2, 1, 3.8, 1, 1.6}, 3);
-    update();
 }
 
-// The keys share the width by their weights; a row of fewer than ten letters keeps the size of keys and stands in the
-// middle.
-void KeyboardView::addRow(const QList<KeyboardKey> &keys, const QList<double> &weights, int row)
-{
-    const double sum = std::accumulate(weights.begin(), weights.end(), 0.0);
-    const double unit = width() / std::max(sum, 10.0);
-    double left = (width() - unit * sum) / 2;
-    const int top = kGap + row * (height() - kGap) / kRows;
-    const int bottom = kGap + (row + 1) * (height() - kGap) / kRows;
-    for (qsizetype i = 0; i < keys.size(); ++i) {
-        KeyboardKey key = keys.at(i);
-        const double right = left + unit * weights.at(i);
-        key.place = QRect(QPoint(qRound(left), top), QPoint(qRound(right) - 1, bottom - 1));
-        m_keys.append(key);
-        left = right;
-    }
-}
-
-// The nearest one: a pen between two keys means one of them.
-int KeyboardView::keyAt(QPoint position) const
-{
-    int best = -1;
-    int least = 0;
-    for (int i = 0; i < m_keys.size(); ++i) {
-        const QRect &place = m_keys.at(i).place;
-        const QPoint inside(std::clamp(position.x(), place.left(), place.right()),
-            std::clamp(position.y(), place.top(), place.bottom()));
-        const int distance = (position - inside).manhattanLength();
-        if (best < 0 || distance < least) {
-            best = i;
-            least = distance;
-        }
-    }
-    return best;
-}
-
-void KeyboardView::mousePressEvent(QMouseEvent *event)
-{
-    closeAccents();
-    m_down = keyAt(event->position().toPoint());
-    m_repeated = false;
-    m_hold.start(kHoldMs, this);
-    update();
-}
-
-void KeyboardView::mouseMoveEvent(QMouseEvent *event)
-{
-    const QPoint position = event->position().toPoint();
-    if (!m_accents.isEmpty()) {
-        const auto over = std::ranges::find_if(m_accents, [&](const KeyboardKey &key) {
-            return position.x() >= key.place.left() && position.x() <= key.place.right();
-        });
-        m_accent = over == m_accents.end() ? -1 : int(over - m_accents.begin());
-    } else if (const int key = keyAt(position); m_down >= 0 && key != m_down) {
-        m_down = key;
-        m_repeated = false;
-        m_hold.start(kHoldMs, this);
-    }
-    update();
-}
-
-void KeyboardView::mouseReleaseEvent(QMouseEvent * /*event*/)
-{
-    const int down = std::exchange(m_down, -1);
-    m_hold.stop();
-    if (!m_accents.isEmpty()) {
-        const QString chosen = m_accent < 0 ? QString() : m_accents.at(m_accent).text;
-        closeAccents();
-        if (!chosen.isEmpty())
-            type(chosen);
-    } else if (down >= 0 && down < m_keys.size() && !m_repeated) {
-        press(KeyboardKey(m_keys.at(down))); // a copy: the press may change the keys
-    }
-    update();
-}
-
-void KeyboardView::timerEvent(QTimerEvent * /*event*/)
-{
-    if (m_down < 0 || m_down >= m_keys.size()) {
-        m_hold.stop();
-        return;
-    }
-    const KeyboardKey key = m_keys.at(m_down);
-    if (key.action == KeyboardKey::Backspace) {
-        m_repeated = true;
-        m_hold.start(kRepeatMs, this);
-        press(key);
-    } else if (key.action == KeyboardKey::Type && !keyboardlayout::accents(key.text.front()).isEmpty()) {
-        openAccents();
-    }
-}
-
-// One row over the key, kept inside; the first is the key's own.
-void KeyboardView::openAccents()
-{
-    const KeyboardKey key = m_keys.at(m_down);
-    const QString offered = key.text + keyboardlayout::accents(key.text.front());
-    const int room = std::min(kAccentWidth, width() / int(offered.size()));
-    const int all = room * int(offered.size());
-    const int left = std::clamp(key.place.center().x() - room / 2, 0, width() - all);
-    const int top = std::max(0, key.place.top() - key.place.height());
-    for (int i = 0; i < offered.size(); ++i)
-        m_accents.append(
-            {KeyboardKey::Type, shifted(offered.mid(i, 1)), QRect(left + i * room, top, room, key.place.height())});
-    const auto under = std::ranges::find_if(m_accents, [&](const KeyboardKey &accent) {
-        return accent.place.left() <= key.place.center().x() && key.place.center().x() <= accent.place.right();
-    });
-    m_accent = under == m_accents.end() ? 0 : int(under - m_accents.begin());
-    m_hold.stop();
-    update();
-}
-
-void KeyboardView::closeAccents()
-{
-    m_accents.clear();
-    m_accent = -1;
-}
+QString KeyboardView::offeredBy(const KeyboardKey &key) const { return keyboardlayout::accents(key.text.front()); }
 
 QString KeyboardView::shifted(const QString &text) const
 {
@@ -253,7 +57,7 @@ QString KeyboardView::shifted(const QString &text) const
 
 void KeyboardView::type(const QString &text)
 {
-    m_sink.sendText(text);
+    KeyPanel::type(text);
     if (m_shift == Shift::Once)
         m_shift = Shift::Off;
 }
@@ -261,18 +65,6 @@ void KeyboardView::type(const QString &text)
 void KeyboardView::press(const KeyboardKey &key)
 {
     switch (key.action) {
-    case KeyboardKey::Type:
-        type(shifted(key.text));
-        break;
-    case KeyboardKey::Space:
-        m_sink.sendText(QStringLiteral(" "));
-        break;
-    case KeyboardKey::Backspace:
-        m_sink.sendKey(Qt::Key_Backspace);
-        break;
-    case KeyboardKey::Enter:
-        m_sink.sendKey(Qt::Key_Return);
-        break;
     case KeyboardKey::Shift:
         nextShift();
         break;
@@ -291,82 +83,7 @@ void KeyboardView::press(const KeyboardKey &key)
         m_symbols = 1 - m_symbols;
         arrange();
         break;
-    }
-}
-
-void KeyboardView::resizeEvent(QResizeEvent * /*event*/) { arrange(); }
-
-void KeyboardView::hideEvent(QHideEvent * /*event*/)
-{
-    m_hold.stop();
-    m_down = -1;
-    closeAccents();
-}
-
-void KeyboardView::drawFace(QPainter &painter, const KeyboardKey &key) const
-{
-    const QPainterPath drawn = sign(key.action, QRectF(key.place).center());
-    if (drawn.isEmpty()) {
-        QFont face = font();
-        face.setPixelSize(isCommand(key) ? 12 : 17);
-        painter.setFont(face);
-        const bool letter = key.action == KeyboardKey::Type;
-        painter.drawText(key.place, Qt::AlignCenter, letter ? shifted(key.text) : key.text);
-        return;
-    }
-    painter.setBrush(
-        key.action == KeyboardKey::Shift && m_shift != Shift::Off ? QBrush(painter.pen().color()) : Qt::NoBrush);
-    painter.setPen(QPen(painter.pen().color(), 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPath(drawn);
-    if (key.action == KeyboardKey::Shift && m_shift == Shift::Locked) {
-        const QPointF middle = QRectF(key.place).center();
-        painter.drawLine(middle + QPointF(-5, 9), middle + QPointF(5, 9));
-    }
-}
-
-void KeyboardView::drawKey(QPainter &painter, const KeyboardKey &key, bool down) const
-{
-    const QPalette &colours = palette();
-    const QColor face = down ? colours.color(QPalette::Highlight)
-        : isCommand(key)     ? mix(colours.color(QPalette::Button), colours.color(QPalette::WindowText), 0.18)
-                             : colours.color(QPalette::Base);
-    const QRectF cap = QRectF(key.place).adjusted(kGap / 2.0, kGap / 2.0, -kGap / 2.0, -kGap / 2.0);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(mix(colours.color(QPalette::Window), colours.color(QPalette::WindowText), 0.45));
-    painter.drawRoundedRect(cap, 4, 4); // its lower edge shows as a shadow
-    painter.setBrush(face);
-    painter.drawRoundedRect(cap.adjusted(0, 0, 0, -1), 4, 4);
-    painter.setPen(colours.color(down ? QPalette::HighlightedText
-            : isCommand(key)          ? QPalette::ButtonText
-                                      : QPalette::Text));
-    drawFace(painter, key);
-}
-
-void KeyboardView::paintEvent(QPaintEvent * /*event*/)
-{
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect(), mix(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.12));
-    for (int i = 0; i < m_keys.size(); ++i)
-        drawKey(painter, m_keys.at(i), i == m_down && m_accents.isEmpty());
-    if (m_accents.isEmpty())
-        return;
-    const QRect around = m_accents.first().place | m_accents.last().place;
-    painter.setPen(palette().color(QPalette::WindowText));
-    painter.setBrush(palette().color(QPalette::Window));
-    painter.drawRoundedRect(
-        QRectF(around).adjusted(-1.5, -1.5, 1.5, 1.5) & QRectF(rect()).adjusted(.5, .5, -.5, -.5), 5, 5);
-    for (int i = 0; i < m_accents.size(); ++i) {
-        painter.setPen(palette().color(QPalette::Text));
-        KeyboardKey accent = m_accents.at(i);
-        const bool chosen = i == m_accent;
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(chosen ? palette().color(QPalette::Highlight) : QColor(Qt::transparent));
-        painter.drawRoundedRect(QRectF(accent.place).adjusted(1, 1, -1, -1), 4, 4);
-        painter.setPen(palette().color(chosen ? QPalette::HighlightedText : QPalette::WindowText));
-        QFont face = font();
-        face.setPixelSize(17);
-        painter.setFont(face);
-        painter.drawText(accent.place, Qt::AlignCenter, accent.text);
+    default:
+        KeyPanel::press(key);
     }
 }
