@@ -18,6 +18,7 @@ constexpr char kHideInputWidget[] = "hideInputWidget(int,int,int)";
 constexpr char kAutoHideInputWidget[] = "autoHideInputWidget(int,int,int)";
 constexpr char kKeyEvent[] = "sendKeyEventEx(IM_KeyEvent_Ex)";
 constexpr char kUnconfirmedText[] = "unconfirmedText(QString)";
+constexpr char kTextToContact[] = "sendTextToContact(QString)";
 
 // To both.
 constexpr char kUpdateEditorState[] = "updateEditorState(int,int,int)";

@@ -191,4 +191,22 @@
         <translation>Alles markieren</translation>
     </message>
 </context>
+<context>
+    <name>99.99;FORM_CONTEXT_TRANS2_WITH_SCROLL</name>
+    <message>
+        <source>Find:</source>
+        <translation>Suchen:</translation>
+    </message>
+</context>
+<context>
+    <name>ZIMServer</name>
+    <message>
+        <source>Hide</source>
+        <translation>Ausblenden</translation>
+    </message>
+    <message>
+        <source>Keypad</source>
+        <translation>Tastatur</translation>
+    </message>
+</context>
 </TS>

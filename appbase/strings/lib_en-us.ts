@@ -191,4 +191,22 @@
         <translation>Select All</translation>
     </message>
 </context>
+<context>
+    <name>99.99;FORM_CONTEXT_TRANS2_WITH_SCROLL</name>
+    <message>
+        <source>Find:</source>
+        <translation>Find:</translation>
+    </message>
+</context>
+<context>
+    <name>ZIMServer</name>
+    <message>
+        <source>Hide</source>
+        <translation>Hide</translation>
+    </message>
+    <message>
+        <source>Keypad</source>
+        <translation>Keypad</translation>
+    </message>
+</context>
 </TS>

@@ -191,4 +191,22 @@
         <translation>Tout sélectionner</translation>
     </message>
 </context>
+<context>
+    <name>99.99;FORM_CONTEXT_TRANS2_WITH_SCROLL</name>
+    <message>
+        <source>Find:</source>
+        <translation>Rechercher :</translation>
+    </message>
+</context>
+<context>
+    <name>ZIMServer</name>
+    <message>
+        <source>Hide</source>
+        <translation>Masquer</translation>
+    </message>
+    <message>
+        <source>Keypad</source>
+        <translation>Clavier</translation>
+    </message>
+</context>
 </TS>

@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QTest>
 #include <algorithm>
+#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -139,8 +140,10 @@ private Q_SLOTS:
     void onlyInputMethodsAreListed();
     void everyMessageHasItsEffect();
     void editorsShowAndHide();
+    void theNumberPadTypes();
     void textIsTypedWhateverFails_data();
     void textIsTypedWhateverFails();
+    void itDiesAgainAndAgain();
     void hostileArgumentsDoNothing();
 };
 
@@ -241,7 +244,7 @@ void TstIMServer::everyMessageHasItsEffect()
     phone.tell("completedWordConfirmed(QString)", wire::pack(u"a"_s));
     QTRY_VERIFY(phone.got(u"text 16 000000020061"_s));
     phone.tell("associationSeed(QString,int)", wire::pack(u"b"_s, 0));
-    QTRY_VERIFY(phone.got(u"text 19 000000020062"_s));
+    QTRY_VERIFY(phone.got(u"text 19 000000020062ffffffff00"_s));
     INPUT_SETTING_T setting;
     setting.wordCompletion = false;
     setting.preferredInputLanguage = 5;
@@ -257,7 +260,7 @@ void TstIMServer::everyMessageHasItsEffect()
     phone.tell("setEntryfavoriteIMList(int,QValueList)", wire::pack(1, kBad));
     phone.tell("registerExternalInputMethod(QUuid, QString)", wire::pack(kAbroad, u"me"_s));
     QTRY_VERIFY(phone.knows(kAbroad));
-    QVERIFY(!phone.got(u"text 19 000000020063"_s));
+    QVERIFY(!phone.got(u"text 19 000000020063ffffffff00"_s));
     phone.tell("selectInputMethod(QString)", wire::pack(u"me"_s));
     QTRY_VERIFY(phone.got(QString::fromLatin1(messages::kShowInputWidget))); // is shown by its own process
     phone.tell("hideInputMethod()");
@@ -285,6 +288,15 @@ void TstIMServer::editorsShowAndHide()
     int owner = -1;
     QVERIFY(phone.state.getCurrentOwner(&owner, nullptr));
     QCOMPARE(owner, 0);
+}
+
+void TstIMServer::theNumberPadTypes()
+{
+    install(u"/lib/inputmethods/libtyxnumberpad.so"_s, u"liba.so"_s);
+    Phone phone;
+    QTRY_VERIFY(phone.isShown());
+    QTRY_VERIFY(phone.isTyped({100, 236}, u"5"_s)); // second of the second row
+    QTRY_VERIFY(phone.isTyped({100, 300}, u"0"_s));
 }
 
 void TstIMServer::textIsTypedWhateverFails_data()
@@ -322,6 +334,32 @@ void TstIMServer::textIsTypedWhateverFails()
         };
         QTRY_VERIFY_WITH_TIMEOUT(aside(), 10'000);
     }
+}
+
+// TYX_CRASHES=1000 for a long trial.
+void TstIMServer::itDiesAgainAndAgain()
+{
+    const int crashes = qEnvironmentVariableIsSet("TYX_CRASHES") ? qEnvironmentVariableIntValue("TYX_CRASHES") : 8;
+    install(u"/tests/libbadkeyboard.so"_s, u"liba.so"_s);
+    Phone phone("crash in press");
+    QTRY_VERIFY(phone.knows(kBad));
+    for (int i = 0; i < crashes; ++i) {
+        phone.seen.clear();
+        phone.tell("selectInputMethod(QString)", wire::pack(kBad.toString()));
+        phone.ask(true);
+        QTRY_VERIFY_WITH_TIMEOUT(phone.got(u"shown 122"_s), 20'000); // its own 100 pixels
+        const auto plainIsShown = [&phone] {
+            phone.tap(kPlainA); // on the one that dies of it, if it is still there
+            return phone.got(u"shown 156"_s);
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(plainIsShown(), 20'000);
+        QTRY_VERIFY_WITH_TIMEOUT(phone.isTyped(kPlainA, u"a"_s), 20'000);
+        const auto wrong = [](const QString &line) { // longer ones are the bad keyboard's commands
+            return line.size() == QLatin1String("text a").size() && line != u"text a";
+        };
+        QVERIFY(std::ranges::none_of(phone.seen, wrong));
+    }
+    std::fprintf(stderr, "%d crashes\n", crashes);
 }
 
 void TstIMServer::hostileArgumentsDoNothing()

@@ -65,11 +65,28 @@ struct TYX_EXPORT SetInputModeCmd : IMStateCmd {
     template <typename Visitor> void fields(Visitor visit) { visit(mode); }
 };
 
-// The beginning of a word that is to be completed.
+// Whose words are looked for: a language as settings::inputLanguageNumber() has it.
+enum DICTLANGTYPE : quint32 { // name fixed
+    DICTLANG_INPUT = 0xFFFF'FFFF // the language that is typed
+};
+
+enum class WordCompletionType : quint8 { // name fixed
+    Word, // words that begin with the characters
+    Phrase // words that follow them
+};
+
+// What is to be completed.
 struct TYX_EXPORT SetFollowCharsCmd : IMStateCmd {
     TYX_IM_COMMAND(SetFollowCharsCmd, SetFollowChars)
     QString characters;
-    template <typename Visitor> void fields(Visitor visit) { visit(characters); }
+    quint32 language = DICTLANG_INPUT;
+    quint8 type = quint8(WordCompletionType::Word);
+    template <typename Visitor> void fields(Visitor visit)
+    {
+        visit(characters);
+        visit(language);
+        visit(type);
+    }
 };
 
 // The text around the cursor in ZInputMethodState is another one.

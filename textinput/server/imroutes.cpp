@@ -67,19 +67,8 @@ void ZIMServerData::onAssociationSeed(const QByteArray &arguments)
 {
     QString seed;
     qint32 unused = 0;
-    if (!wire::unpack(arguments, seed, unused) || !setting.wordCompletion)
-        return;
-    ShowCompletionCmd reset;
-    runCommand(reset);
-    strip.setCompletionTip({});
-    if (seed.isEmpty())
-        return;
-    SetFollowCharsCmd follow;
-    follow.characters = seed;
-    runCommand(follow);
-    ShowCompletionCmd begin;
-    begin.show = true;
-    runCommand(begin);
+    if (wire::unpack(arguments, seed, unused))
+        m_server.requestWordCompletionEvent(seed, DICTLANG_INPUT);
 }
 
 void ZIMServerData::onLowerWidget(const QByteArray &arguments)

@@ -5,6 +5,7 @@
 #include "appbase/messaging/wire.h"
 #include "textinput/server/zimserver_p.h"
 
+#include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QTimerEvent>
 #include <QWindow>
@@ -23,6 +24,13 @@ QString applicationOf(const QCString &channel)
                                              : QString::fromUtf8(channel);
 }
 
+// A driver that does not know it says 0 or 0xFFFF.
+quint16 characterOf(const ZInputMethodPlugin::HardKey &key)
+{
+    const bool known = key.unicode != 0 && key.unicode != 0xFFFF;
+    return known ? static_cast<quint16>(key.unicode) : QChar(key.key & 0xFFFF).toLower().unicode();
+}
+
 }
 
 // The state, and what is on the screen.
@@ -32,6 +40,7 @@ ZIMServerData::ZIMServerData(ZIMServer &server)
     , language(setting.preferredInputLanguage)
     , plain(QWSServer::instance()->screenWidget())
     , strip(QWSServer::instance()->screenWidget())
+    , findBar(QWSServer::instance()->screenWidget())
     , m_server(server)
 {
     connect(&m_channel, &QCopChannel::received, this, &ZIMServerData::slotInputMethodServiceMessage);
@@ -41,6 +50,7 @@ ZIMServerData::ZIMServerData(ZIMServer &server)
     });
     connect(&strip, &ZIMServer_CST::menuRequested, &server, &ZIMServer::slotKbMenu);
     connect(&strip, &ZIMServer_CST::exitClicked, &server, &ZIMServer::slotHideKbd);
+    connect(&findBar, &FindBar::textChanged, &server, &ZIMServer::slotFindBarTextChanged);
     connect(&strip, &ZIMServer_CST::tipClicked, &server, &ZIMServer::slotTipClicked);
     connect(&strip, &ZIMServer_CST::shiftClicked, this, [this] {
         SetInputModeCmd shift;
@@ -98,7 +108,7 @@ void ZIMServerData::refreshList()
         state.insertItem(info.id, info.name, info.system);
     state.setIndexOfCheckedInputMethod(current);
     const InputMethodInfo *info = methods.find(current);
-    strip.setMethodName(info ? info->name : QStringLiteral("Keypad"));
+    strip.setMethodName(info ? info->name : ZIMServer::tr("Keypad"));
 }
 
 void ZIMServerData::hostShown(const QUuid &method, int shownWindow, int shownHeight)
@@ -129,7 +139,7 @@ void ZIMServerData::hostFailed(const QUuid &method, const QString &reason)
 void ZIMServerData::hostDied()
 {
     window = 0;
-    m_given.clear();
+    m_taken.clear();
     unconfirmed({});
     if (isExternal())
         return; // that one is another process
@@ -153,6 +163,7 @@ void ZIMServerData::show()
         host.hide();
         plain.hide();
         strip.hide();
+        findBar.hide();
         window = 0;
         height = 0;
         showExternal(*info, true);
@@ -176,17 +187,19 @@ void ZIMServerData::present(int newHeight, bool isPlain)
     height = std::clamp(newHeight, 1, screen.height() / 2);
     const int top = screen.height() - height;
     strip.setGeometry(0, top - ZIMServer_CST::kHeight, screen.width(), ZIMServer_CST::kHeight);
-    for (QWidget *own : {static_cast<QWidget *>(&strip), static_cast<QWidget *>(&plain)})
+    findBar.setGeometry(0, strip.y() - FindBar::kHeight, screen.width(), FindBar::kHeight);
+    for (QWidget *own : std::initializer_list<QWidget *>{&strip, &plain, &findBar})
         own->setPalette(QApplication::palette()); // the screen's own ground is black
     strip.setShiftEnabled(!isPlain);
     const InputMethodInfo *info = methods.find(current);
-    strip.setMethodName(isPlain || !info ? QStringLiteral("Keypad") : info->name);
+    strip.setMethodName(isPlain || !info ? ZIMServer::tr("Keypad") : info->name);
     strip.show();
+    findBar.setVisible(findBarEnabled);
     plain.setGeometry(0, top, screen.width(), height);
     plain.setVisible(isPlain);
     if (owner.editor != 0)
         QCopChannel::send(owner.channel, messages::kInputWidgetShown,
-            wire::pack(owner.editor, owner.window, inputType, current, height + ZIMServer_CST::kHeight));
+            wire::pack(owner.editor, owner.window, inputType, current, m_server.inputWidgetRect().height()));
 }
 
 void ZIMServerData::hide(const char *message)
@@ -202,6 +215,7 @@ void ZIMServerData::hide(const char *message)
     host.hide();
     plain.hide();
     strip.hide();
+    findBar.hide();
     menu.close();
     strip.setCompletionTip({});
     window = 0;
@@ -347,6 +361,10 @@ bool ZIMServer::IMSService::runCommand(IMStateCmd *command) { return command && 
 
 void ZIMServerData::type(const IM_KeyEventEx &event)
 {
+    if (findBar.isVisible()) {
+        findBar.type(event);
+        return;
+    }
     if (owner.editor != 0 && wanted) {
         QCopChannel::send(owner.channel, messages::kKeyEvent, encodeKeyEventEx(event));
         return;
@@ -367,43 +385,44 @@ bool ZIMServerData::isExternal() const
     return info && info->external;
 }
 
-bool ZIMServerData::takes(const ZInputMethodPlugin::HardKey &key) const
+ZIMServerData::Taker ZIMServerData::takerOf(const ZInputMethodPlugin::HardKey &key) const
 {
     constexpr int kFirstWithoutCharacter = 0x0100'0000; // of Qt::Key
+    if (key.key >= kFirstWithoutCharacter && key.key != Qt::Key_Backspace)
+        return Taker::Application;
     const InputMethodInfo *info = methods.find(current);
-    const bool types = key.key < kFirstWithoutCharacter || key.key == Qt::Key_Backspace;
-    return types && info && info->keys && window != 0 && host.isReady() && state.keyboardFilterEnabled();
+    if (info && info->keys && window != 0 && host.isReady() && state.keyboardFilterEnabled())
+        return Taker::Method;
+    return findBar.isVisible() ? Taker::FindBar : Taker::Application;
 }
 
 // A key is not split: its repeats and its release go where its press went.
-bool ZIMServerData::giveToMethod(const ZInputMethodPlugin::HardKey &key)
+bool ZIMServerData::takeKey(const ZInputMethodPlugin::HardKey &key)
 {
     if (m_typing)
         return false;
-    const bool isFirst = key.isPress && !key.autoRepeat;
-    if (isFirst && takes(key))
-        m_given.insert(key.key);
-    else if (isFirst)
-        m_given.remove(key.key);
-    if (!m_given.contains(key.key))
-        return false;
-    if (!key.isPress)
-        m_given.remove(key.key);
-    host.hardKey(key);
-    return true;
+    if (key.isPress && !key.autoRepeat)
+        m_taken.insert(key.key, takerOf(key));
+    const Taker taker = key.isPress ? m_taken.value(key.key) : m_taken.take(key.key);
+    if (taker == Taker::Method)
+        host.hardKey(key);
+    else if (taker == Taker::FindBar && key.isPress)
+        findBar.type({characterOf(key), IM_KeyEventEx::keyCodeOf(key.key), 0, {}});
+    return taker != Taker::Application;
 }
 
 bool ZIMServerData::eventFilter(QObject * /*watched*/, QEvent *event)
 {
-    const bool isTap = event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease;
-    if (isTap && wanted && window != 0)
-        host.touched();
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease) {
+        const auto *pen = static_cast<QMouseEvent *>(event);
+        m_server.checkMouseEvent(pen->globalPosition().toPoint(), pen->buttons().toInt());
+    }
     return false;
 }
 
 bool ZIMServer::IMSKeyboardFilter::filter(int unicode, int keycode, int modifiers, bool isPress, bool autoRepeat)
 {
-    return m_server.giveToMethod({unicode, keycode, Qt::KeyboardModifiers::fromInt(modifiers), isPress, autoRepeat});
+    return m_server.takeKey({unicode, keycode, Qt::KeyboardModifiers::fromInt(modifiers), isPress, autoRepeat});
 }
 
 void ZIMServerData::unconfirmed(const QString &text) const
@@ -536,6 +555,51 @@ void ZIMServer::showWordCompletionTip(const QString &word)
     d->strip.setCompletionTip(d->setting.toolTip ? word.simplified() : QString());
 }
 
+void ZIMServer::requestWordCompletionEvent(const QString &beginning, DICTLANGTYPE language)
+{
+    handleWordCompletion(beginning, language, WordCompletionType::Word);
+}
+
+void ZIMServer::requestPhraseCompletion(const QString &before, DICTLANGTYPE language)
+{
+    handleWordCompletion(before, language, WordCompletionType::Phrase);
+}
+
+void ZIMServer::handleWordCompletion(QString text, DICTLANGTYPE language, WordCompletionType type)
+{
+    const bool wished = type == WordCompletionType::Word ? d->setting.wordCompletion : d->setting.nextWordPrediction;
+    if (!wished)
+        return;
+    d->runCommand(ShowCompletionCmd());
+    d->strip.setCompletionTip({});
+    if (text.isEmpty())
+        return;
+    SetFollowCharsCmd follow;
+    follow.characters = std::move(text);
+    follow.language = language;
+    follow.type = quint8(type);
+    d->runCommand(follow);
+    ShowCompletionCmd begin;
+    begin.show = true;
+    d->runCommand(begin);
+}
+
+void ZIMServer::enableFindBar(bool enable)
+{
+    if (std::exchange(d->findBarEnabled, enable) == enable)
+        return;
+    d->findBar.clear();
+    d->findBar.hide();
+    if (d->wanted)
+        d->show(); // anew, with it or without
+}
+
+void ZIMServer::slotFindBarTextChanged(const QString &text)
+{
+    if (d->owner.editor != 0)
+        QCopChannel::send(d->owner.channel, messages::kTextToContact, wire::pack(text));
+}
+
 IM_KeyEventEx ZIMServer::translateKeyEventEx(QDataStream &stream, bool &complete)
 {
     return decodeKeyEventEx(stream, complete);
@@ -543,7 +607,10 @@ IM_KeyEventEx ZIMServer::translateKeyEventEx(QDataStream &stream, bool &complete
 
 QRect ZIMServer::inputWidgetRect() const
 {
-    return d->strip.isVisible() ? d->strip.geometry().adjusted(0, 0, 0, d->height) : QRect();
+    if (d->strip.isHidden())
+        return {};
+    const int above = d->findBar.isHidden() ? 0 : FindBar::kHeight;
+    return d->strip.geometry().adjusted(0, -above, 0, d->height);
 }
 
 int ZIMServer::currentIMWinId() const { return d->window; }
@@ -583,6 +650,12 @@ void ZIMServer::slotSelectMenu(int entry)
 }
 
 void ZIMServer::slotHideKbd() { hideKbd(); }
+
+void ZIMServer::checkMouseEvent(const QPoint &position, int /*buttons*/)
+{
+    if (d->window != 0 && inputWidgetRect().contains(position))
+        d->host.touched();
+}
 
 void ZIMServer::slotTipClicked()
 {

@@ -68,10 +68,21 @@ public:
     void sendKey(unsigned short unicode, unsigned short keycode, unsigned short modifiers);
     void showWordCompletionTip(const QString &word); // empty: none
 
+    // Asks the input method in use for completions; what was shown before goes. It answers with a tip in the title
+    // strip, or shows them itself. Ignored while the user's settings say no to such completions.
+    void requestWordCompletionEvent(const QString &beginning, DICTLANGTYPE language); // empty: none any more
+    void requestPhraseCompletion(const QString &before, DICTLANGTYPE language);
+    void handleWordCompletion(QString text, DICTLANGTYPE language, WordCompletionType type);
+
+    // A line over the title strip; off at first. While it is on, and a keyboard is shown, it takes what is typed, and
+    // its owner's application is told "sendTextToContact(QString)" at each change. Switched off, it forgets its text.
+    void enableFindBar(bool enable);
+
     // Reads one from where the stream is; `complete` tells whether all of it was there.
     static IM_KeyEventEx translateKeyEventEx(QDataStream &stream, bool &complete);
 
-    [[nodiscard]] QRect inputWidgetRect() const; // on the screen, with its title strip; empty while it is hidden
+    [[nodiscard]] QRect
+    inputWidgetRect() const; // on the screen, with its title strip and find bar; empty while it is hidden
     [[nodiscard]] int currentIMWinId() const; // of the input method's window; 0 while there is none
 
     static bool getInputSetting(INPUT_SETTING_T &setting);
@@ -82,7 +93,10 @@ public Q_SLOTS:
     void slotKbMenu(); // the menu of the input methods
     void slotSelectMenu(int entry); // of those that the menu offers
     void slotHideKbd();
+    void slotFindBarTextChanged(const QString &text);
     void slotTipClicked();
+    // The pen went down or up on the screen: an input method under it has to answer. `buttons` as Qt::MouseButtons.
+    void checkMouseEvent(const QPoint &position, int buttons);
 
 protected:
     void timerEvent(QTimerEvent *event) override;

@@ -3,6 +3,7 @@
 
 #include "platform/bus/qcopchannel.h"
 #include "platform/window/qwsserver.h"
+#include "textinput/server/findbar.h"
 #include "textinput/server/hostprocess.h"
 #include "textinput/server/methodlist.h"
 #include "textinput/server/plainkeypad.h"
@@ -11,8 +12,8 @@
 #include "textinput/state/zinputmethodstate.h"
 
 #include <QBasicTimer>
+#include <QHash>
 #include <QMenu>
-#include <QSet>
 #include <optional>
 
 class ZIMServer::IMSKeyboardFilter : public QWSServer::KeyboardFilter {
@@ -52,7 +53,7 @@ public:
     void show();
     void hide(const char *message); // and tell the application so; null: nobody
     void type(const IM_KeyEventEx &event);
-    bool giveToMethod(const ZInputMethodPlugin::HardKey &key); // false: the key takes its ordinary way
+    bool takeKey(const ZInputMethodPlugin::HardKey &key); // false: the key takes its ordinary way
 
     struct ToolBar {
         int shown = 0;
@@ -78,6 +79,8 @@ public:
     int height = 0; // of what is on the screen, without the strip
     PlainKeypad plain;
     ZIMServer_CST strip;
+    FindBar findBar;
+    bool findBarEnabled = false;
     QMenu menu;
 
 protected:
@@ -91,7 +94,8 @@ private:
     void hostDied();
     void refreshList();
     [[nodiscard]] bool isExternal() const; // the method in use
-    [[nodiscard]] bool takes(const ZInputMethodPlugin::HardKey &key) const;
+    enum class Taker { Application, Method, FindBar };
+    [[nodiscard]] Taker takerOf(const ZInputMethodPlugin::HardKey &key) const;
     void sendSettings();
     void showPlain();
     void present(int newHeight, bool isPlain);
@@ -105,6 +109,6 @@ private:
     QCopChannel m_channel{"TYX/IMServer"};
     bool m_restacking = false;
     bool m_typing = false;
-    QSet<int> m_given; // keys whose press went to the method
+    QHash<int, Taker> m_taken; // keys that are down, and did not go to the application
     ZIMServer::IMSKeyboardFilter m_filter{*this};
 };

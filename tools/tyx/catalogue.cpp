@@ -81,7 +81,7 @@ constexpr KnownMessage kMessages[] = {
     {kProgramChannel, "updateEditorState(int,int,int)", kEditorState, "the state of an editor changed"},
     {kProgramChannel, "sendKeyEventEx(IM_KeyEvent_Ex)", kKeyEvent, "a key from an input method"},
     {kProgramChannel, "unconfirmedText(QString)", "qstring text", "text that an input method has not confirmed yet"},
-    {kProgramChannel, "sendTextToContact(QString)", "qstring text", "text for a contact"},
+    {kProgramChannel, "sendTextToContact(QString)", "qstring text", "what stands in the find bar"},
 
     {kInputMethods, "hideInputMethod()", kNone, "hides the keyboard"},
     {kInputMethods, "selectInputMethod(QString)", "qstring method", "selects an input method"},
