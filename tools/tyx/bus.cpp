@@ -1,9 +1,9 @@
 // tyx bus: sends, watches and lists what goes over the message bus.
 #include "appbase/messaging/queuefile.h"
-#include "platform/bus/businspector.h"
 #include "tools/tyx/busargument.h"
 #include "tools/tyx/catalogue.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/monitor.h"
 #include "tools/tyx/sendcheck.h"
 
 #include <QCopChannel>
@@ -159,18 +159,11 @@ bool print(const BusInspector::Sent &sent, bool asJson)
 
 int monitor(const Options &options)
 {
-    const auto bus = BusInspector::open();
-    if (!bus)
-        return failNoServer(bus.error());
-    const auto &wanted = options.channels;
-    int seen = 0;
-    const bool stopped = (*bus)->observe([&](const BusInspector::Sent &sent) {
+    const auto isWanted = [&wanted = options.channels](const BusInspector::Sent &sent) {
         const std::string channel(sent.channel.data(), size_t(sent.channel.size()));
-        if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), channel) == wanted.end())
-            return true;
-        return print(sent, options.json) && (options.count == 0 || ++seen < options.count);
-    });
-    return stopped ? int(Done) : failGone(**bus);
+        return wanted.empty() || std::ranges::find(wanted, channel) != wanted.end();
+    };
+    return monitorBus(isWanted, options.count, options.json);
 }
 
 int list(const Options &options)
@@ -262,6 +255,18 @@ CLI::App *add(CLI::App &bus, const char *name, const char *help, std::function<v
     return command;
 }
 
+}
+
+int monitorBus(const std::function<bool(const BusInspector::Sent &)> &isWanted, int count, bool asJson)
+{
+    const auto bus = BusInspector::open();
+    if (!bus)
+        return failNoServer(bus.error());
+    int seen = 0;
+    const bool stopped = (*bus)->observe([&](const BusInspector::Sent &sent) {
+        return !isWanted(sent) || (print(sent, asJson) && (count == 0 || ++seen < count));
+    });
+    return stopped ? int(Done) : failGone(**bus);
 }
 
 void addBus(CLI::App &app, int &exit)

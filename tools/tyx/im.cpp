@@ -5,11 +5,14 @@
 #include "platform/system/sysv.h"
 #include "textinput/state/inputmethodsegment.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/monitor.h"
+#include "tools/tyx/settings.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QtEndian>
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace tyx {
@@ -18,8 +21,14 @@ namespace {
 
 constexpr char kServer[] = "TYX/IMServer";
 
+// Of those of tyx settings, whose names begin so.
+constexpr char kSettings[] = "input-";
+
 struct Options {
     std::string method;
+    std::string name;
+    std::string value;
+    int count = 0;
     bool json = false;
 };
 
@@ -164,6 +173,26 @@ int present(const Options & /*options*/)
 
 int hide(const Options & /*options*/) { return send(kServer, "hideInputMethod()", {}); }
 
+int settingsOf(const Options &options)
+{
+    if (options.name.empty())
+        return listSettings(kSettings, options.json);
+    const bool isWhole = options.name.starts_with(kSettings);
+    return setSetting(isWhole ? options.name : kSettings + options.name, options.value);
+}
+
+int watch(const Options &options)
+{
+    constexpr std::array<QByteArrayView, 9> names{"registerEditor(QCString,int,int)", "unRegisterEditor(int)",
+        "showInputWidget(int,int,QUuid,int)", "inputWidgetShown(int,int,int,QUuid,int)", "hideInputWidget(int,int,int)",
+        "autoHideInputWidget(int,int,int)", "sendKeyEventEx(IM_KeyEvent_Ex)", "unconfirmedText(QString)",
+        "sendTextToContact(QString)"};
+    const auto isAboutInput = [&names](const platform::BusInspector::Sent &sent) {
+        return sent.channel == kServer || std::ranges::find(names, sent.message) != names.end();
+    };
+    return monitorBus(isAboutInput, options.count, options.json);
+}
+
 }
 
 void addIm(CLI::App &app, int &exit)
@@ -175,6 +204,14 @@ void addIm(CLI::App &app, int &exit)
         ->required();
     group.add("show", "Shows the keyboard for the editor that had it last.", present);
     group.add("hide", "Hides the keyboard.", hide);
+    CLI::App *command = group.add("settings", "Prints the settings of text input, or sets one.", settingsOf);
+    auto *name = command->add_option("NAME", group.options().name, "The setting, with \"input-\" or without");
+    command->add_option("VALUE", group.options().value, "Its value")->needs(name);
+    name->needs(command->get_option("VALUE"));
+    group.addJson(command);
+    command = group.add("watch", "Prints what editors and the input methods say to each other, as they say it.", watch);
+    command->add_option("--count", group.options().count, "Stops after so many messages")->check(countRange());
+    group.addJson(command);
     group.addJson(group.add("state", "Prints what is selected, and what is typed into.", show));
 }
 

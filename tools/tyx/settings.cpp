@@ -1,4 +1,6 @@
 // tyx settings: the settings of the system by name.
+#include "tools/tyx/settings.h"
+
 #include "appbase/config/configfile.h"
 #include "settings/files/settingaccess.h"
 #include "settings/files/settingkeys.h"
@@ -73,20 +75,7 @@ QJsonValue json(const Row &row, const QString &text)
     }
 }
 
-int list(const Options &options)
-{
-    QJsonObject all;
-    for (const Row &row : settings::allRows()) {
-        const QString text = settings::readText(row);
-        if (options.json)
-            all.insert(nameOf(row), row.isSecret ? QJsonValue() : json(row, text));
-        else
-            printLine(nameOf(row) + u" = " + shownInList(row, text));
-    }
-    if (options.json)
-        printJson(QJsonDocument(all));
-    return Done;
-}
+int list(const Options &options) { return listSettings({}, options.json); }
 
 int get(const Options &options)
 {
@@ -182,18 +171,7 @@ QString whyNotSaved(const Row &row)
         .arg(settings::fileName(row.place.file));
 }
 
-int set(const Options &options)
-{
-    const Row *row = find(options.name);
-    if (row == nullptr)
-        return refuseName(options.name);
-    const bool isText = QUtf8StringView(options.value.data(), qsizetype(options.value.size())).isValidUtf8();
-    const auto text = isText ? parsed(*row, QString::fromStdString(options.value)) : std::nullopt;
-    if (!text)
-        return refuse(QStringLiteral("%1: \"%2\" is not one of its values: %3")
-                          .arg(nameOf(*row), printable(options.value), range(*row)));
-    return settings::writeText(*row, *text) ? int(Done) : fail(whyNotSaved(*row));
-}
+int set(const Options &options) { return setSetting(options.name, options.value); }
 
 QString typeName(Type type)
 {
@@ -348,6 +326,36 @@ int watch(const Options &options)
     return Done;
 }
 
+}
+
+int listSettings(const std::string &prefix, bool asJson)
+{
+    QJsonObject all;
+    for (const Row &row : settings::allRows()) {
+        if (!std::string_view(row.name).starts_with(prefix))
+            continue;
+        const QString text = settings::readText(row);
+        if (asJson)
+            all.insert(nameOf(row), row.isSecret ? QJsonValue() : json(row, text));
+        else
+            printLine(nameOf(row) + u" = " + shownInList(row, text));
+    }
+    if (asJson)
+        printJson(QJsonDocument(all));
+    return Done;
+}
+
+int setSetting(const std::string &name, const std::string &value)
+{
+    const Row *row = find(name);
+    if (row == nullptr)
+        return refuseName(name);
+    const bool isText = QUtf8StringView(value.data(), qsizetype(value.size())).isValidUtf8();
+    const auto text = isText ? parsed(*row, QString::fromStdString(value)) : std::nullopt;
+    if (!text)
+        return refuse(
+            QStringLiteral("%1: \"%2\" is not one of its values: %3").arg(nameOf(*row), printable(value), range(*row)));
+    return settings::writeText(*row, *text) ? int(Done) : fail(whyNotSaved(*row));
 }
 
 void addSettings(CLI::App &app, int &exit)
