@@ -1,4 +1,5 @@
 // The arithmetic of keys and touches: beside what the integers alone would take, and beside tslib's linear module.
+#include "bench/input/tslibmodule.h"
 #include "input/logic/calibration.h"
 #include "input/logic/keymap.h"
 #include "input/logic/keypadlogic.h"
@@ -7,25 +8,7 @@
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
-#include <dlfcn.h>
-#include <tslib.h>
 #include <vector>
-
-// What a module of that library is made of; the header for modules is not among the installed ones.
-extern "C" {
-struct tslib_module_info;
-struct tslib_ops {
-    int (*read)(tslib_module_info *info, ts_sample *samples, int count);
-    int (*readMt)(tslib_module_info *info, ts_sample_mt **samples, int slots, int count);
-    int (*fini)(tslib_module_info *info);
-};
-struct tslib_module_info {
-    tsdev *dev;
-    tslib_module_info *next;
-    void *handle;
-    const tslib_ops *ops;
-};
-}
 
 namespace {
 
@@ -89,19 +72,13 @@ void mapTslib(benchmark::State &state)
     std::fputs("5461 3 -2730404 5 -6553 24901544 65536", file);
     std::fclose(file);
     ::setenv("TSLIB_CALIBFILE", "/tmp/tslib.cal", 1);
-    void *library = ::dlopen(TYX_TSLIB_LINEAR, RTLD_NOW);
-    using Init = tslib_module_info *(*)(tsdev *, const char *);
-    const auto init = library ? reinterpret_cast<Init>(::dlsym(library, "linear_mod_init")) : nullptr;
-    tsdev *panel = ts_open("/dev/null", 1);
-    tslib_module_info *module = init && panel ? init(panel, "") : nullptr;
+    static const tslib_ops source{&nextPoint, nullptr, nullptr};
+    static tslib_module_info below{nullptr, nullptr, nullptr, &source};
+    tslib_module_info *module = loadModule("linear", "", &below);
     if (!module) {
         state.SkipWithError("no linear module");
         return;
     }
-    static const tslib_ops source{&nextPoint, nullptr, nullptr};
-    static tslib_module_info below{nullptr, nullptr, nullptr, &source};
-    module->dev = panel;
-    module->next = &below;
     std::vector<ts_sample> samples(kPoints);
     for (auto _ : state) {
         module->ops->read(module, samples.data(), kPoints);
