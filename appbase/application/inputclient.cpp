@@ -8,6 +8,7 @@
 #include "platform/bus/qcopchannel.h"
 #include "platform/window/qwsapplication.h"
 
+#include <QAbstractScrollArea>
 #include <QKeyEvent>
 #include <algorithm>
 
@@ -40,6 +41,15 @@ bool leaves(const QFocusEvent &event)
         && event.reason() != Qt::MenuBarFocusReason;
 }
 
+// An open menu has the keys, as it has those of the phone.
+QWidget *typedInto()
+{
+    QWidget *popup = QApplication::activePopupWidget();
+    if (!popup)
+        return QApplication::focusWidget();
+    return popup->focusWidget() ? popup->focusWidget() : popup;
+}
+
 ZMainWidget *activeMainWidget() { return qobject_cast<ZMainWidget *>(QApplication::activeWindow()); }
 
 }
@@ -64,6 +74,8 @@ int InputClient::registerEditor(QWidget *editor)
     tellServer(*editor, *m_editors.insert(editor, {id, 0}));
     connect(editor, &QObject::destroyed, this, &InputClient::unregisterEditor);
     editor->installEventFilter(this);
+    if (const auto *area = qobject_cast<QAbstractScrollArea *>(editor))
+        area->viewport()->installEventFilter(this);
     return id;
 }
 
@@ -76,6 +88,8 @@ void InputClient::unregisterEditor(const QObject *editor)
     m_editors.erase(known);
     disconnect(editor, nullptr, this, nullptr);
     const_cast<QObject *>(editor)->removeEventFilter(this);
+    if (const auto *area = qobject_cast<const QAbstractScrollArea *>(editor)) // not of one that is being destroyed
+        area->viewport()->removeEventFilter(this);
     sendToServer(messages::kUnregisterEditor, wire::pack(id));
 }
 
@@ -107,13 +121,16 @@ void InputClient::tellServer(const QWidget &editor, Registration &registration)
 // A window has no identifier before it is first shown, and an editor may move to another window.
 bool InputClient::eventFilter(QObject *watched, QEvent *event)
 {
-    const auto known = m_editors.find(watched);
+    auto known = m_editors.find(watched);
+    const bool isPen = event->type() == QEvent::MouseButtonRelease;
+    if (known == m_editors.end() && isPen) // what scrolls gets the pen on its viewport
+        known = m_editors.find(watched->parent());
     if (known == m_editors.end())
         return false;
-    const auto &editor = static_cast<const QWidget &>(*watched);
+    const auto &editor = static_cast<const QWidget &>(*known.key());
     if (event->type() == QEvent::Show && known->window != QWSApplication::windowId(&editor))
         tellServer(editor, *known);
-    else if (event->type() == QEvent::MouseButtonRelease && editor.hasFocus() && !isReadOnly(editor))
+    else if (isPen && editor.hasFocus() && !isReadOnly(editor))
         requestInputWidget(editor, *known, true);
     else if (event->type() == QEvent::FocusOut && leaves(static_cast<const QFocusEvent &>(*event)))
         requestInputWidget(editor, *known, false);
@@ -159,7 +176,7 @@ void InputClient::endTyping(bool automatically)
 // Editors act on the press; some widgets (buttons) act on the release, which the message does not tell apart.
 void InputClient::sendKey(const IM_KeyEventEx &event)
 {
-    const QPointer<QWidget> receiver = QApplication::focusWidget();
+    const QPointer<QWidget> receiver = typedInto();
     if (!receiver)
         return;
     const auto modifiers = Qt::KeyboardModifiers::fromInt(event.modifiers) & Qt::KeyboardModifierMask;

@@ -1,5 +1,6 @@
 #include "appbase/application/unconfirmedtext.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QInputMethodEvent>
 #include <QTextCharFormat>
@@ -37,6 +38,8 @@ void UnconfirmedText::show(const QString &text)
         return;
     QInputMethodEvent event(text, text.isEmpty() ? QList<Attribute>() : underlined(text));
     QCoreApplication::sendEvent(editor, &event);
+    if (editor && !text.isEmpty() && m_editor != editor)
+        watch(*editor);
     m_editor = text.isEmpty() ? nullptr : editor;
     m_text = text;
     m_surroundings = editor ? surroundings(*editor) : QVariant();
@@ -52,6 +55,23 @@ void UnconfirmedText::confirm()
     QInputMethodEvent event;
     event.setCommitString(m_text);
     QCoreApplication::sendEvent(editor, &event);
+}
+
+// What scrolls gets the pen on its viewport.
+void UnconfirmedText::watch(QWidget &editor)
+{
+    editor.installEventFilter(this);
+    if (const auto *area = qobject_cast<QAbstractScrollArea *>(&editor))
+        area->viewport()->installEventFilter(this);
+}
+
+// Before the cursor moves: the text belongs where it stands.
+bool UnconfirmedText::eventFilter(QObject *watched, QEvent *event)
+{
+    const QPointer<QObject> alive = watched; // the application may close what it is told of
+    if (event->type() == QEvent::MouseButtonPress)
+        confirm();
+    return !alive;
 }
 
 // Not at once: the editor may be about to be destroyed with its window.

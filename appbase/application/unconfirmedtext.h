@@ -8,7 +8,8 @@
 #include <QWidget>
 
 // It stands underlined at the cursor and is no part of the editor's text yet. Each show() replaces what is shown;
-// nothing typed is lost: when the editor loses the focus, what stands there then is confirmed as it is.
+// nothing typed is lost: when the editor loses the focus or the pen sets its cursor, what stands there then is confirmed
+// as it is.
 class UnconfirmedText : public QObject {
     Q_OBJECT
 
@@ -18,7 +19,11 @@ public:
     void show(const QString &text); // in the widget with the focus; empty takes it away
     void confirm();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override; // of the editor
+
 private:
+    void watch(QWidget &editor);
     void focusMoved(const QWidget *old);
 
     QPointer<QWidget> m_editor; // that shows the text; null: there is none

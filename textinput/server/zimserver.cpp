@@ -18,6 +18,11 @@ constexpr int kHideMs = 60; // long enough for the next editor to show it
 constexpr int kReleaseMs = 300'000;
 constexpr QByteArrayView kApplications = "TYX/Application/";
 
+bool movesCursor(int key)
+{
+    return (key >= Qt::Key_Home && key <= Qt::Key_PageDown) || key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
 QString applicationOf(const QCString &channel)
 {
     return channel.startsWith(kApplications) ? QString::fromUtf8(channel.sliced(kApplications.size()))
@@ -79,6 +84,7 @@ void ZIMServerData::followHost()
     connect(&host, &HostProcess::key, this, [this](const IM_KeyEventEx &event) {
         if (owner.editor != 0 && !wanted)
             return; // it was for an editor that has let the keyboard go
+        m_composing = false;
         host.worked();
         methods.trust(current);
         type(event);
@@ -205,6 +211,7 @@ void ZIMServerData::present(int newHeight, bool isPlain)
 void ZIMServerData::hide(const char *message)
 {
     const bool was = std::exchange(wanted, false);
+    m_composing = false;
     hideTimer.stop();
     hideRequest.reset();
     if (!was)
@@ -388,12 +395,14 @@ bool ZIMServerData::isExternal() const
 ZIMServerData::Taker ZIMServerData::takerOf(const ZInputMethodPlugin::HardKey &key) const
 {
     constexpr int kFirstWithoutCharacter = 0x0100'0000; // of Qt::Key
-    if (key.key >= kFirstWithoutCharacter && key.key != Qt::Key_Backspace)
-        return Taker::Application;
+    const bool types = key.key < kFirstWithoutCharacter || key.key == Qt::Key_Backspace;
     const InputMethodInfo *info = methods.find(current);
-    if (info && info->keys && window != 0 && host.isReady() && state.keyboardFilterEnabled())
+    const bool takesKeys = info && info->keys && window != 0 && host.isReady() && state.keyboardFilterEnabled();
+    // An editor drops the composition when its cursor moves: the method confirms it first, also the one that is only
+    // on its way.
+    if (takesKeys && (types || (m_composing && movesCursor(key.key))))
         return Taker::Method;
-    return findBar.isVisible() ? Taker::FindBar : Taker::Application;
+    return types && findBar.isVisible() ? Taker::FindBar : Taker::Application;
 }
 
 // A key is not split: its repeats and its release go where its press went.
@@ -401,13 +410,16 @@ bool ZIMServerData::takeKey(const ZInputMethodPlugin::HardKey &key)
 {
     if (m_typing)
         return false;
-    if (key.isPress && !key.autoRepeat)
+    const bool isFirst = key.isPress && !key.autoRepeat;
+    if (isFirst)
         m_taken.insert(key.key, takerOf(key));
     const Taker taker = key.isPress ? m_taken.value(key.key) : m_taken.take(key.key);
-    if (taker == Taker::Method)
+    if (taker == Taker::Method) {
+        m_composing = m_composing || isFirst;
         host.hardKey(key);
-    else if (taker == Taker::FindBar && key.isPress)
+    } else if (taker == Taker::FindBar && key.isPress) {
         findBar.type({characterOf(key), IM_KeyEventEx::keyCodeOf(key.key), 0, {}});
+    }
     return taker != Taker::Application;
 }
 
@@ -425,9 +437,10 @@ bool ZIMServer::IMSKeyboardFilter::filter(int unicode, int keycode, int modifier
     return m_server.takeKey({unicode, keycode, Qt::KeyboardModifiers::fromInt(modifiers), isPress, autoRepeat});
 }
 
-void ZIMServerData::unconfirmed(const QString &text) const
+void ZIMServerData::unconfirmed(const QString &text)
 {
-    if (owner.editor != 0 && wanted)
+    m_composing = wanted && !text.isEmpty();
+    if (owner.editor != 0 && wanted && !findBar.isVisible())
         QCopChannel::send(owner.channel, messages::kUnconfirmedText, wire::pack(text));
 }
 

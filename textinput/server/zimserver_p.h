@@ -100,7 +100,7 @@ private:
     void showPlain();
     void present(int newHeight, bool isPlain);
     void showExternal(const InputMethodInfo &info, bool shown);
-    void unconfirmed(const QString &text) const;
+    void unconfirmed(const QString &text);
     void windowEvent(QWSWindow *changed, QWSServer::WindowEvent event);
     void keepAboveOwner();
     [[nodiscard]] QWSWindow *methodWindow() const; // null when there is none
@@ -109,6 +109,7 @@ private:
     QCopChannel m_channel{"TYX/IMServer"};
     bool m_restacking = false;
     bool m_typing = false;
+    bool m_composing = false; // the method has text that is not confirmed, or keys that it has not answered
     QHash<int, Taker> m_taken; // keys that are down, and did not go to the application
     ZIMServer::IMSKeyboardFilter m_filter{*this};
 };

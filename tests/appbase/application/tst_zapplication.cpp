@@ -469,6 +469,9 @@ void TstZApplication::unconfirmedTextIsNotLost()
     QTRY_COMPARE(m_field->text(), QStringLiteral("hel"));
     m_field->setFocus();
     type(QStringLiteral("hel"));
+    QTest::mouseClick(m_field, Qt::LeftButton); // sets the cursor
+    QCOMPARE(m_field->text(), QStringLiteral("hel"));
+    type(QStringLiteral("hel"));
     m_field->setText(QStringLiteral("other")); // the editor drops it itself
     m_server.onHideInputWidget(hide);
     QCOMPARE(m_field->text(), QStringLiteral("other"));
