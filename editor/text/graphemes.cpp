@@ -61,57 +61,57 @@ int snapped(QStringView text, int column)
     return column;
 }
 
-CharClass charClass(char32_t character)
+int charClass(char32_t character)
 {
     if (QChar::isSpace(character))
-        return CharClass::Space;
+        return Space;
     switch (QChar::script(character)) {
     case QChar::Script_Han:
     case QChar::Script_Hiragana:
     case QChar::Script_Katakana:
-        return CharClass::Ideograph; // written without spaces: not words, but at least not letters
+        return Ideograph; // written without spaces: not words, but at least not letters
     default:
         break;
     }
     const bool letter = QChar::isLetterOrNumber(character) || QChar::isMark(character) || character == U'_'
         || QChar::isSurrogate(character);
-    return letter ? CharClass::Letter : CharClass::Punctuation;
+    return letter ? Letter : Punctuation;
 }
 
-int nextWord(QStringView text, int column)
+int nextWord(QStringView text, int column, const ClassOf &classOf)
 {
-    const auto at = [&] { return charClass(characterAt(text, column)); };
+    const auto at = [&] { return classOf(characterAt(text, column)); };
     if (column >= text.size())
         return int(text.size());
-    for (const CharClass kind = at(); column < text.size() && at() == kind;)
+    for (const int kind = at(); column < text.size() && at() == kind;)
         ++column;
-    while (column < text.size() && at() == CharClass::Space)
+    while (column < text.size() && at() == Space)
         ++column;
     return snapped(text, column);
 }
 
-int previousWord(QStringView text, int column)
+int previousWord(QStringView text, int column, const ClassOf &classOf)
 {
-    const auto before = [&] { return charClass(characterAt(text, column - 1)); };
-    while (column > 0 && before() == CharClass::Space)
+    const auto before = [&] { return classOf(characterAt(text, column - 1)); };
+    while (column > 0 && before() == Space)
         --column;
     if (column <= 0)
         return 0;
-    for (const CharClass kind = before(); column > 0 && before() == kind;)
+    for (const int kind = before(); column > 0 && before() == kind;)
         --column;
     return snapped(text, column);
 }
 
-Range wordAt(QStringView text, int column)
+Range wordAt(QStringView text, int column, const ClassOf &classOf)
 {
     if (text.isEmpty())
         return {0, 0};
     column = std::clamp(column, 0, int(text.size()) - 1);
-    const CharClass kind = charClass(characterAt(text, column));
+    const int kind = classOf(characterAt(text, column));
     Range range{column, column};
-    while (range.from > 0 && charClass(characterAt(text, range.from - 1)) == kind)
+    while (range.from > 0 && classOf(characterAt(text, range.from - 1)) == kind)
         --range.from;
-    while (range.to < text.size() && charClass(characterAt(text, range.to)) == kind)
+    while (range.to < text.size() && classOf(characterAt(text, range.to)) == kind)
         ++range.to;
     return range;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QStringView>
+#include <functional>
 
 namespace graphemes {
 
@@ -11,16 +12,17 @@ int previous(QStringView text, int column);
 int snapped(QStringView text, int column); // the last border that is not behind the column
 
 // What belongs together in a word: moving by words and the double click stop where it changes.
-enum class CharClass { Space, Letter, Ideograph, Punctuation };
-CharClass charClass(char32_t character);
+enum CharClass { Space, Letter, Ideograph, Punctuation };
+int charClass(char32_t character);
+using ClassOf = std::function<int(char32_t)>; // one that has more classes
 
-int nextWord(QStringView text, int column); // the beginning of the next word, or the end of the text
-int previousWord(QStringView text, int column);
+int nextWord(QStringView text, int column, const ClassOf &classOf); // its beginning, or the end of the text
+int previousWord(QStringView text, int column, const ClassOf &classOf);
 
 struct Range {
     int from;
     int to;
 };
-Range wordAt(QStringView text, int column);
+Range wordAt(QStringView text, int column, const ClassOf &classOf);
 
 }

@@ -73,10 +73,10 @@ void RowLayout::rebreak(int paragraph)
     m_rows.change(paragraph, 1, [&](Rows &rows) { rows = broken(paragraph); });
 }
 
-void RowLayout::setComposition(const Composition &composition)
+bool RowLayout::setComposition(const Composition &composition)
 {
     if (composition == m_composition)
-        return;
+        return false;
     const int before = m_composing;
     m_composition = composition;
     m_composing = composition.text.isEmpty() ? -1 : m_model.place(composition.offset).paragraph;
@@ -84,6 +84,7 @@ void RowLayout::setComposition(const Composition &composition)
         if (paragraph >= 0 && paragraph < m_rows.size())
             rebreak(paragraph);
     }
+    return true;
 }
 
 bool RowLayout::isComposing(int paragraph) const { return paragraph == m_composing; }

@@ -45,7 +45,7 @@ public:
     Damage update(const TextModel::Change &change, int column = 0); // `column`: where the paragraph begins to differ
     void rebreak(int paragraph); // breaks it anew; changes nothing unless something is wrong
 
-    void setComposition(const Composition &composition); // an empty text takes it away
+    bool setComposition(const Composition &composition); // an empty text takes it away; false: it is the same
     [[nodiscard]] const Composition &composition() const { return m_composition; }
 
     [[nodiscard]] int rows() const { return m_rows.total(); }

@@ -94,6 +94,32 @@ public:
     bool getMarkedRegion(int *line1, int *col1, int *line2, int *col2) const; // false and -1: nothing is marked
     void setSelection(int rowFrom, int colFrom, int rowTo, int colTo); // the cursor goes to the second place
 
+    // Typing, as the keys do it: nothing in an editor that can only be read. Each is one step to undo, or joins the
+    // last.
+    void insert(const QString &s, bool mark);
+    virtual void insertChar(QChar c);
+    virtual void newLine();
+    virtual void backspace();
+    virtual void del();
+    virtual void killLine(); // what follows in the row; at its end, the line break
+
+    // Moving the cursor. With `mark` the marked text grows or shrinks.
+    virtual void cursorLeft(bool mark = false);
+    virtual void cursorRight(bool mark = false);
+    virtual void cursorUp(bool mark = false);
+    virtual void cursorDown(bool mark = false);
+    virtual void cursorWordForward(bool mark = false);
+    virtual void cursorWordBackward(bool mark = false);
+    virtual void home(bool mark = false);
+    virtual void end(bool mark = false);
+    virtual void pageUp(bool mark = false);
+    virtual void pageDown(bool mark = false);
+
+    // Undo. The first two take ownership of the command.
+    void addUndoCmd(ZMultiLineEditCommand *c);
+    void addRedoCmd(ZMultiLineEditCommand *c);
+    void processCmd(ZMultiLineEditCommand *c, bool undo); // plays it, and records nothing
+
     // What may be typed. The filter sees one character at a time; with `accept` those that match are let through, else
     // those that do not. The validator sees the whole text, and only what would make it Invalid is refused; it belongs
     // to the caller. Neither is asked by setText(), nor about what is taken away, undone or redone.
@@ -188,39 +214,20 @@ Q_SIGNALS: // the order is fixed
     void rightSmartPuncOccurred();
 
 protected:
-    // Typing. Each is one step to undo, or joins the last one.
-    void insert(const QString &s, bool mark);
-    virtual void insertChar(QChar c);
-    virtual void newLine();
-    virtual void backspace();
-    virtual void del();
-    virtual void killLine(); // what follows in the row; at its end, the line break
-    virtual void cursorLeft(bool mark = false);
-    virtual void cursorRight(bool mark = false);
-    virtual void cursorUp(bool mark = false);
-    virtual void cursorDown(bool mark = false);
-    virtual void cursorWordForward(bool mark = false);
-    virtual void cursorWordBackward(bool mark = false);
-    virtual void home(bool mark = false);
-    virtual void end(bool mark = false);
-    virtual void pageUp(bool mark = false);
-    virtual void pageDown(bool mark = false);
-
-    // Undo; each takes ownership of its command.
-    void addUndoCmd(ZMultiLineEditCommand *c);
-    void addRedoCmd(ZMultiLineEditCommand *c);
-    void processCmd(ZMultiLineEditCommand *c, bool undo); // does not own it
+    // What belongs together in a word: characters of the same class. 0: white space.
+    [[nodiscard]] virtual int charClass(char32_t c) const;
 
     // True: the key was for the predictive input method.
     virtual bool keyPressEvent_iWex(QKeyEvent *event);
     virtual void paintCell(QPainter *painter, int row, int col = 0);
-    // The same for rows with text that an input method has not confirmed, and for the paragraph around the cursor.
+    // The same for a row, and wrapLine() for a paragraph, with text that an input method has not confirmed.
     virtual void paintCell_iWex(QPainter *painter, int row, int col = 0);
-    virtual void wrapLine_iWex(const QString &composition, int cursor);
+    virtual void wrapLine_iWex(int row, int removed = 0);
     void startAutoScroll();
     void stopAutoScroll();
-    // Tells the layout around the editor what it needs: changeSizeHint() and contentChanged().
+    // Tells the layout around the editor what it needs: changeSizeHint(), which is the item, and contentChanged().
     virtual void sendPackage(const QSize &size, const QPoint &cursor, int lines);
+    virtual void sendPackageItem(const QSize &size, const QPoint &cursor, int lines);
 
     bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
@@ -251,7 +258,6 @@ private Q_SLOTS:
     void changeContentSize(int lines, QPoint cursor);
 
 private:
-    friend class EditorKeys;
     friend class ZMultiLineData;
     void init(QWidget *parent, bool fieldMode, int reserved, const char *name);
     void deleteNextChar();

@@ -165,6 +165,13 @@ void ZMultiLineEdit::end(bool mark)
     d->moveCursor({d->layout.startOffset(row) + row.end - row.start, mark, !row.last});
 }
 
+int ZMultiLineEdit::charClass(char32_t c) const { return graphemes::charClass(c); }
+
+graphemes::ClassOf ZMultiLineData::wordClasses() const
+{
+    return [this](char32_t c) { return editor.charClass(c); };
+}
+
 void ZMultiLineEdit::cursorWordForward(bool mark)
 {
     const Operation operation(*d);
@@ -172,7 +179,7 @@ void ZMultiLineEdit::cursorWordForward(bool mark)
     const QString &paragraph = d->text.paragraph(place.paragraph);
     const int offset = place.column == paragraph.size()
         ? d->cursor + 1
-        : d->cursor - place.column + graphemes::nextWord(paragraph, place.column);
+        : d->text.start(place.paragraph) + graphemes::nextWord(paragraph, place.column, d->wordClasses());
     d->moveCursor({offset, mark});
 }
 
@@ -180,8 +187,9 @@ void ZMultiLineEdit::cursorWordBackward(bool mark)
 {
     const Operation operation(*d);
     const TextModel::Place place = d->text.place(d->cursor);
+    const QString &paragraph = d->text.paragraph(place.paragraph);
     const int offset = place.column == 0
         ? d->cursor - 1
-        : d->cursor - place.column + graphemes::previousWord(d->text.paragraph(place.paragraph), place.column);
+        : d->text.start(place.paragraph) + graphemes::previousWord(paragraph, place.column, d->wordClasses());
     d->moveCursor({offset, mark});
 }

@@ -82,12 +82,8 @@ void ZMultiLineData::insertTyped(const QString &typed, bool marked)
     if (part.isEmpty() || !isAccepted(part))
         return;
     const bool group = isMarked();
-    if (group) {
-        record(new UTIL_BeginCommand);
-        const int at = from();
-        deleteRange(at, to());
-        moveCursor({.offset = at, .exact = true});
-    }
+    if (group)
+        beginReplacing(true);
     const int at = cursor;
     const int length = insertLimited(at, part);
     if (marked)
@@ -107,12 +103,17 @@ void ZMultiLineData::deleteRange(int from, int to)
     record(new UTIL_DelTextCmd(from, gone));
 }
 
-void ZMultiLineData::deleteMarked()
+void ZMultiLineData::beginReplacing(bool exact)
 {
     record(new UTIL_BeginCommand);
     const int at = from();
     deleteRange(at, to());
-    moveCursor({at});
+    moveCursor({.offset = at, .exact = exact});
+}
+
+void ZMultiLineData::deleteMarked()
+{
+    beginReplacing(false);
     record(new UTIL_EndCommand);
 }
 
@@ -135,15 +136,19 @@ int ZMultiLineData::previousCharacter(int offset) const
 
 void ZMultiLineData::dropComposition()
 {
-    if (layout.composition().text.isEmpty())
+    if (pending.text.isEmpty())
         return;
-    layout.setComposition({});
+    pending = {};
+    layout.setComposition(pending);
     damageAll();
+    if (std::exchange(pendingReplaces, false))
+        record(new UTIL_EndCommand);
 }
 
 void ZMultiLineEdit::setText(const QString &s)
 {
     const Operation operation(*d);
+    d->dropComposition();
     const QString normalized = TextModel::normalized(s);
     QString whole = normalized;
     if (d->maxLength > 0 && whole.size() > d->maxLength) {
@@ -152,7 +157,6 @@ void ZMultiLineEdit::setText(const QString &s)
     }
     d->history.clear();
     const bool same = whole == d->text.text();
-    d->dropComposition();
     d->setText(whole, !same);
     d->edited = false;
 }

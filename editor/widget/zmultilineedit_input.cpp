@@ -38,10 +38,13 @@ void ZMultiLineEdit::inputMethodEvent(QInputMethodEvent *event)
     const Operation operation(*d);
     event->accept();
     const QString commit = event->commitString();
+    const bool replaces = std::exchange(d->pendingReplaces, false);
     d->dropComposition();
-    const bool group = event->replacementLength() > 0 && !commit.isEmpty(); // one word for another is one step
-    if (group)
+    bool group = replaces;
+    if (!group && event->replacementLength() > 0 && !commit.isEmpty()) { // one word for another is one step
         d->record(new UTIL_BeginCommand);
+        group = true;
+    }
     if (event->replacementLength() > 0) {
         const int from = std::clamp(d->cursor + event->replacementStart(), 0, d->text.length());
         d->deleteRange(from, std::min(from + event->replacementLength(), d->text.length()));
@@ -53,28 +56,33 @@ void ZMultiLineEdit::inputMethodEvent(QInputMethodEvent *event)
         const bool isWord = commit.size() > 1 && commit.endsWith(u' ') && PredictiveInput::instance();
         d->smartPunctuationAt = isWord ? d->cursor : -1;
     }
-    if (group)
+    const QString preedit = event->preeditString();
+    const bool goesOn = replaces && commit.isEmpty() && !preedit.isEmpty();
+    if (group && !goesOn)
         d->record(new UTIL_EndCommand);
-    if (!event->preeditString().isEmpty()) {
-        if (d->isMarked())
-            del();
-        QString text = event->preeditString();
-        text.replace(u'\n', u' ');
-        wrapLine_iWex(text, cursorOf(*event));
-    }
+    if (!preedit.isEmpty())
+        d->compose(preedit, cursorOf(*event), goesOn);
 }
 
-void ZMultiLineEdit::wrapLine_iWex(const QString &composition, int cursor)
+// What it stands in the place of is one step with what it becomes.
+void ZMultiLineData::compose(QString preedit, int place, bool inGroup)
+{
+    const bool replaces = isMarked();
+    if (replaces)
+        beginReplacing(true);
+    preedit.replace(u'\n', u' ');
+    pending = {cursor, preedit, place};
+    pendingReplaces = replaces || inGroup;
+    editor.wrapLine_iWex(cursorCell().row);
+}
+
+void ZMultiLineEdit::wrapLine_iWex(int row, int removed)
 {
     const Operation operation(*d);
-    d->layout.setComposition({d->cursor, composition, cursor});
-    d->compositionChanged();
-}
-
-void ZMultiLineData::compositionChanged()
-{
-    damageAll();
-    cursorMoved = true;
+    if (!d->layout.setComposition(d->pending))
+        wrapLine(row, removed);
+    d->damageAll();
+    d->cursorMoved = true;
 }
 
 QVariant ZMultiLineEdit::inputMethodQuery(Qt::InputMethodQuery query) const
@@ -112,6 +120,27 @@ QVariant ZMultiLineEdit::inputMethodQuery(Qt::InputMethodQuery query) const
     default:
         return QAbstractScrollArea::inputMethodQuery(query);
     }
+}
+
+void ZMultiLineData::publishContext()
+{
+    const bool focused = editor.hasFocus();
+    const bool predictable = !readOnly && echoMode == ZMultiLineEdit::Normal;
+    const QRect place = cursorRect();
+    const QRect onScreen(editor.viewport()->mapToGlobal(place.topLeft()), place.size());
+    const TextModel::Place at = text.place(cursor);
+    if (PredictiveInput *input = PredictiveInput::instance())
+        input->contextChanged({focused ? editorId : 0, predictable ? text.paragraph(at.paragraph) : QString(),
+            predictable ? at.column : 0, onScreen, predictable});
+    if (!focused || !predictable)
+        return sharedContext.withdraw();
+    constexpr int kAround = 3; // paragraphs; more would hardly have room
+    const int first = std::max(0, at.paragraph - kAround);
+    const int last = std::min(text.paragraphs() - 1, at.paragraph + kAround);
+    SharedEditContext::Context context{{}, at.paragraph - first, at.column, onScreen.bottomLeft()};
+    for (int i = first; i <= last; ++i)
+        context.lines << text.paragraph(i);
+    sharedContext.publish(context);
 }
 
 void ZMultiLineData::blinkAgain()

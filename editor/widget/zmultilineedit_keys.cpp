@@ -8,114 +8,108 @@
 using Operation = ZMultiLineData::Operation;
 using Notice = ZMultiLineData::Notice;
 
-// The editor's own operations by name; `mark` is whether Shift is held.
-class EditorKeys {
-public:
-    using Action = void (*)(ZMultiLineEdit &editor, bool mark);
-    struct Key {
-        int key;
-        Action action;
-    };
-
-    static void home(ZMultiLineEdit &e, bool mark) { e.home(mark); }
-    static void end(ZMultiLineEdit &e, bool mark) { e.end(mark); }
-    static void left(ZMultiLineEdit &e, bool mark) { e.cursorLeft(mark); }
-    static void right(ZMultiLineEdit &e, bool mark) { e.cursorRight(mark); }
-    static void up(ZMultiLineEdit &e, bool mark) { e.cursorUp(mark); }
-    static void down(ZMultiLineEdit &e, bool mark) { e.cursorDown(mark); }
-    static void pageUp(ZMultiLineEdit &e, bool mark) { e.pageUp(mark); }
-    static void pageDown(ZMultiLineEdit &e, bool mark) { e.pageDown(mark); }
-    static void del(ZMultiLineEdit &e, bool) { e.del(); }
-    static void backspace(ZMultiLineEdit &e, bool) { e.backspace(); }
-    static void newLine(ZMultiLineEdit &e, bool)
-    {
-        e.newLine();
-        ZMultiLineData::of(e).notify(Notice::Return);
-    }
-    static void copy(ZMultiLineEdit &e, bool)
-    {
-        if (e.echoMode() == ZMultiLineEdit::Normal)
-            e.copy();
-    }
-    static void paste(ZMultiLineEdit &e, bool) { e.paste(); }
-    static void cut(ZMultiLineEdit &e, bool) { e.cut(); }
-    static void undo(ZMultiLineEdit &e, bool) { e.undo(); }
-    static void redo(ZMultiLineEdit &e, bool) { e.redo(); }
-
-    // Of an editor that can only be read: they move what is seen, the cursor stays.
-    static void scrollRows(ZMultiLineEdit &e, int rows)
-    {
-        QScrollBar *bar = e.verticalScrollBar();
-        bar->setValue(std::clamp(bar->value() + rows, 0, e.numLines() - 1));
-    }
-    static void scrollUp(ZMultiLineEdit &e, bool)
-    {
-        if (ZMultiLineData::of(e).cursorCell().row > 0)
-            scrollRows(e, -1);
-    }
-    static void scrollDown(ZMultiLineEdit &e, bool)
-    {
-        if (ZMultiLineData::of(e).cursorCell().row < e.numLines() - 1)
-            scrollRows(e, 1);
-    }
-    static void scrollPageUp(ZMultiLineEdit &e, bool) { scrollRows(e, -ZMultiLineData::of(e).visibleRows()); }
-    static void scrollPageDown(ZMultiLineEdit &e, bool) { scrollRows(e, ZMultiLineData::of(e).visibleRows()); }
-    static void scrollLeft(ZMultiLineEdit &e, bool) { scrollColumns(e, -1); }
-    static void scrollRight(ZMultiLineEdit &e, bool) { scrollColumns(e, 1); }
-    static void scrollColumns(ZMultiLineEdit &e, int direction)
-    {
-        QScrollBar *bar = e.horizontalScrollBar();
-        bar->setValue(bar->value() + direction * e.viewport()->width() / 10);
-    }
-};
-
 namespace {
 
-using Keys = EditorKeys;
-
-constexpr Keys::Key kReading[] = {
-    {Qt::Key_Up, Keys::scrollUp},
-    {Qt::Key_Down, Keys::scrollDown},
-    {Qt::Key_PageUp, Keys::scrollPageUp},
-    {Qt::Key_PageDown, Keys::scrollPageDown},
-    {Qt::Key_Left, Keys::scrollLeft},
-    {Qt::Key_Right, Keys::scrollRight},
-    {Qt::Key_F16, Keys::copy},
+using Action = void (*)(ZMultiLineEdit &editor, bool mark); // `mark`: Shift is held
+struct Key {
+    int key;
+    Action action;
 };
 
-constexpr Keys::Key kWithControl[] = {
-    {Qt::Key_A, Keys::home},
-    {Qt::Key_E, Keys::end},
-    {Qt::Key_B, Keys::left},
-    {Qt::Key_F, Keys::right},
-    {Qt::Key_P, Keys::up},
-    {Qt::Key_N, Keys::down},
-    {Qt::Key_D, Keys::del},
-    {Qt::Key_H, Keys::backspace},
-    {Qt::Key_C, Keys::copy},
-    {Qt::Key_V, Keys::paste},
-    {Qt::Key_X, Keys::cut},
-    {Qt::Key_Y, Keys::redo},
-    {Qt::Key_Z, Keys::undo},
+void home(ZMultiLineEdit &e, bool mark) { e.home(mark); }
+void end(ZMultiLineEdit &e, bool mark) { e.end(mark); }
+void left(ZMultiLineEdit &e, bool mark) { e.cursorLeft(mark); }
+void right(ZMultiLineEdit &e, bool mark) { e.cursorRight(mark); }
+void up(ZMultiLineEdit &e, bool mark) { e.cursorUp(mark); }
+void down(ZMultiLineEdit &e, bool mark) { e.cursorDown(mark); }
+void pageUp(ZMultiLineEdit &e, bool mark) { e.pageUp(mark); }
+void pageDown(ZMultiLineEdit &e, bool mark) { e.pageDown(mark); }
+void del(ZMultiLineEdit &e, bool) { e.del(); }
+void backspace(ZMultiLineEdit &e, bool) { e.backspace(); }
+void newLine(ZMultiLineEdit &e, bool)
+{
+    e.newLine();
+    ZMultiLineData::of(e).notify(Notice::Return);
+}
+void copy(ZMultiLineEdit &e, bool)
+{
+    if (e.echoMode() == ZMultiLineEdit::Normal)
+        e.copy();
+}
+void paste(ZMultiLineEdit &e, bool) { e.paste(); }
+void cut(ZMultiLineEdit &e, bool) { e.cut(); }
+void undo(ZMultiLineEdit &e, bool) { e.undo(); }
+void redo(ZMultiLineEdit &e, bool) { e.redo(); }
+
+// Of an editor that can only be read: they move what is seen, the cursor stays.
+void scrollRows(ZMultiLineEdit &e, int rows)
+{
+    QScrollBar *bar = e.verticalScrollBar();
+    bar->setValue(std::clamp(bar->value() + rows, 0, e.numLines() - 1));
+}
+void scrollUp(ZMultiLineEdit &e, bool)
+{
+    if (ZMultiLineData::of(e).cursorCell().row > 0)
+        scrollRows(e, -1);
+}
+void scrollDown(ZMultiLineEdit &e, bool)
+{
+    if (ZMultiLineData::of(e).cursorCell().row < e.numLines() - 1)
+        scrollRows(e, 1);
+}
+void scrollPageUp(ZMultiLineEdit &e, bool) { scrollRows(e, -ZMultiLineData::of(e).visibleRows()); }
+void scrollPageDown(ZMultiLineEdit &e, bool) { scrollRows(e, ZMultiLineData::of(e).visibleRows()); }
+void scrollColumns(ZMultiLineEdit &e, int direction)
+{
+    QScrollBar *bar = e.horizontalScrollBar();
+    bar->setValue(bar->value() + direction * e.viewport()->width() / 10);
+}
+void scrollLeft(ZMultiLineEdit &e, bool) { scrollColumns(e, -1); }
+void scrollRight(ZMultiLineEdit &e, bool) { scrollColumns(e, 1); }
+
+constexpr Key kReading[] = {
+    {Qt::Key_Up, scrollUp},
+    {Qt::Key_Down, scrollDown},
+    {Qt::Key_PageUp, scrollPageUp},
+    {Qt::Key_PageDown, scrollPageDown},
+    {Qt::Key_Left, scrollLeft},
+    {Qt::Key_Right, scrollRight},
+    {Qt::Key_F16, copy},
 };
 
-constexpr Keys::Key kWriting[] = {
-    {Qt::Key_Backspace, Keys::backspace},
-    {Qt::Key_Return, Keys::newLine},
-    {Qt::Key_Enter, Keys::newLine},
-    {Qt::Key_Delete, Keys::del},
-    {Qt::Key_Home, Keys::home},
-    {Qt::Key_End, Keys::end},
-    {Qt::Key_Left, Keys::left},
-    {Qt::Key_Right, Keys::right},
-    {Qt::Key_Up, Keys::up},
-    {Qt::Key_Down, Keys::down},
-    {Qt::Key_PageUp, Keys::pageUp},
-    {Qt::Key_PageDown, Keys::pageDown},
-    {Qt::Key_F14, Keys::undo},
-    {Qt::Key_F16, Keys::copy},
-    {Qt::Key_F18, Keys::paste},
-    {Qt::Key_F20, Keys::cut},
+constexpr Key kWithControl[] = {
+    {Qt::Key_A, home},
+    {Qt::Key_E, end},
+    {Qt::Key_B, left},
+    {Qt::Key_F, right},
+    {Qt::Key_P, up},
+    {Qt::Key_N, down},
+    {Qt::Key_D, del},
+    {Qt::Key_H, backspace},
+    {Qt::Key_C, copy},
+    {Qt::Key_V, paste},
+    {Qt::Key_X, cut},
+    {Qt::Key_Y, redo},
+    {Qt::Key_Z, undo},
+};
+
+constexpr Key kWriting[] = {
+    {Qt::Key_Backspace, backspace},
+    {Qt::Key_Return, newLine},
+    {Qt::Key_Enter, newLine},
+    {Qt::Key_Delete, del},
+    {Qt::Key_Home, home},
+    {Qt::Key_End, end},
+    {Qt::Key_Left, left},
+    {Qt::Key_Right, right},
+    {Qt::Key_Up, up},
+    {Qt::Key_Down, down},
+    {Qt::Key_PageUp, pageUp},
+    {Qt::Key_PageDown, pageDown},
+    {Qt::Key_F14, undo},
+    {Qt::Key_F16, copy},
+    {Qt::Key_F18, paste},
+    {Qt::Key_F20, cut},
 };
 
 // They pass the character filter.
@@ -124,10 +118,9 @@ constexpr int kMotions[] = {Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Dow
 
 bool isMotion(int key) { return std::find(std::begin(kMotions), std::end(kMotions), key) != std::end(kMotions); }
 
-template <size_t size> Keys::Action actionOf(const Keys::Key (&table)[size], int key)
+template <size_t size> Action actionOf(const Key (&table)[size], int key)
 {
-    const auto row =
-        std::find_if(std::begin(table), std::end(table), [key](Keys::Key entry) { return entry.key == key; });
+    const auto row = std::find_if(std::begin(table), std::end(table), [key](Key entry) { return entry.key == key; });
     return row == std::end(table) ? nullptr : row->action;
 }
 
@@ -177,7 +170,7 @@ void ZMultiLineEdit::keyPressEvent(QKeyEvent *event)
         return;
     if (!d->readOnly && keyPressEvent_iWex(event))
         return;
-    EditorKeys::Action action = nullptr;
+    Action action = nullptr;
     if (d->readOnly)
         action = actionOf(kReading, key);
     else if (event->modifiers() & Qt::ControlModifier)

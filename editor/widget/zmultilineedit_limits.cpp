@@ -171,8 +171,8 @@ void ZMultiLineEdit::setMaxLineLength(int n)
     if (!cut)
         return;
     const bool marked = d->markIsOn;
-    d->history.clear();
     d->dropComposition();
+    d->history.clear();
     d->setText(whole);
     d->moveCursor({places[0]});
     d->anchor = places[1];

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "editor/text/edithistory.h"
+#include "editor/text/graphemes.h"
 #include "editor/text/rowlayout.h"
 #include "editor/text/textmodel.h"
+#include "editor/widget/sharededitcontext.h"
 #include "editor/widget/zmultilineedit.h"
 
 #include <QElapsedTimer>
@@ -79,6 +81,7 @@ public:
     void insertTyped(const QString &text, bool mark); // in the place of what is marked
     void deleteRange(int from, int to);
     void deleteMarked();
+    void beginReplacing(bool exact); // opens a group, and takes away what is marked
     void moveMarked(int at);
     void record(ZMultiLineEditCommand *command); // takes ownership
     void replay(bool undo);
@@ -90,8 +93,10 @@ public:
     [[nodiscard]] QString paragraph() const { return text.paragraph(text.place(cursor).paragraph); }
     [[nodiscard]] int nextCharacter(int offset) const;
     [[nodiscard]] int previousCharacter(int offset) const;
+    [[nodiscard]] graphemes::ClassOf wordClasses() const;
     void dropComposition();
 
+    void compose(QString preedit, int place, bool inGroup);
     bool typeKey(const QKeyEvent &event); // false: it types nothing
 
     // Limits, in zmultilineedit_limits.cpp.
@@ -121,7 +126,6 @@ public:
     [[nodiscard]] QRect cursorRect() const; // in the viewport
     [[nodiscard]] Cell cellAt(QPoint place, bool *rowEnd = nullptr) const;
     void publishContext();
-    void compositionChanged();
     void blinkAgain();
     void popup(QPoint place);
     void startDrag();
@@ -146,6 +150,7 @@ public:
     int dragEnd = 0;
     bool markIsOn = false;
     std::optional<qreal> goalX;
+    bool cursorMoved = false; // since the view was brought up to date
 
     // As set.
     int maxLines = -1;
@@ -169,6 +174,9 @@ public:
     bool filterAccepts = true;
     QPointer<const QValidator> validator;
 
+    RowLayout::Composition pending; // unconfirmed text, as the layout has it, once it is wrapped
+    bool pendingReplaces = false; // marked text: a group is open until it is confirmed or dropped
+
     // Replaying and typing.
     bool replaying = false; // limits and filters do not hold
     bool replayFailed = false;
@@ -190,13 +198,13 @@ public:
     int scrollAccel = 0; // ticks until the interval shrinks
 
     int editorId = 0;
+    SharedEditContext sharedContext;
     QSize reportedSize;
 
 private:
     int depth = 0; // of operations
     std::deque<Notice> notices;
     bool textChanged = false;
-    bool cursorMoved = false;
     int announcedRows = 1;
     bool announcedCopy = false;
     Cell announcedCell;

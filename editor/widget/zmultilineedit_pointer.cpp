@@ -95,7 +95,7 @@ void ZMultiLineEdit::mouseDoubleClickEvent(QMouseEvent *event)
     const Operation operation(*d);
     const TextModel::Place place = d->text.place(d->layout.offset(d->cellAt(event->position().toPoint())));
     const int start = d->text.start(place.paragraph);
-    const graphemes::Range word = graphemes::wordAt(d->text.paragraph(place.paragraph), place.column);
+    const graphemes::Range word = graphemes::wordAt(d->text.paragraph(place.paragraph), place.column, d->wordClasses());
     d->mark(start + word.from, start + word.to);
     d->sinceDoubleClick.start();
     d->dragMarking = false;

@@ -196,7 +196,12 @@ void ZMultiLineEdit::sendPackage(const QSize &size, const QPoint &cursor, int li
     if (d->fieldMode)
         updateGeometry();
     const QPointer<ZMultiLineEdit> alive = this;
-    Q_EMIT changeSizeHint(this, size, cursor, lines);
+    sendPackageItem(size, cursor, lines);
     if (alive)
         Q_EMIT contentChanged();
+}
+
+void ZMultiLineEdit::sendPackageItem(const QSize &size, const QPoint &cursor, int lines)
+{
+    Q_EMIT changeSizeHint(this, size, cursor, lines);
 }

@@ -73,7 +73,13 @@ void ZMultiLineData::replay(bool undo)
 void ZMultiLineEdit::undo() { d->replay(true); }
 void ZMultiLineEdit::redo() { d->replay(false); }
 
-void ZMultiLineEdit::setUndoEnabled(bool on) { d->history.enabled = on; }
+void ZMultiLineEdit::setUndoEnabled(bool on)
+{
+    const Operation operation(*d);
+    d->dropComposition(); // its group ends while that is recorded
+    d->history.enabled = on;
+}
+
 bool ZMultiLineEdit::isUndoEnabled() const { return d->history.enabled; }
 void ZMultiLineEdit::setUndoDepth(int n) { d->history.depth = n; }
 int ZMultiLineEdit::undoDepth() const { return d->history.depth; }

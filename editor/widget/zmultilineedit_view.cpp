@@ -1,5 +1,4 @@
 // What happens at the end of an operation, and where things are on the screen.
-#include "editor/widget/predictiveinput.h"
 #include "editor/widget/zmultilineedit_p.h"
 
 #include <QAccessible>
@@ -236,21 +235,6 @@ QRect ZMultiLineEdit::globalRect(int line1, int col1, int line2, int col2) const
 }
 
 void ZMultiLineEdit::scrollContentsBy(int, int) { viewport()->update(); }
-
-void ZMultiLineData::publishContext()
-{
-    PredictiveInput *input = PredictiveInput::instance();
-    if (!input)
-        return;
-    const QRect place = cursorRect();
-    EditContext context;
-    context.editor = editor.hasFocus() ? editorId : 0;
-    context.predictable = !readOnly && echoMode == ZMultiLineEdit::Normal;
-    context.paragraph = context.predictable ? paragraph() : QString();
-    context.cursor = context.predictable ? text.place(cursor).column : 0;
-    context.cursorRect = QRect(editor.viewport()->mapToGlobal(place.topLeft()), place.size());
-    input->contextChanged(context);
-}
 
 void ZMultiLineEdit::bufferUpdate()
 {

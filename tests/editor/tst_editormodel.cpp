@@ -57,16 +57,6 @@ QString describe(const Step &step)
         .arg(QDebug::toString(step.s));
 }
 
-class Editor : public ZMultiLineEdit {
-public:
-    using ZMultiLineEdit::backspace;
-    using ZMultiLineEdit::cursorLeft;
-    using ZMultiLineEdit::cursorRight;
-    using ZMultiLineEdit::del;
-    using ZMultiLineEdit::killLine;
-    using ZMultiLineEdit::newLine;
-};
-
 struct Command {
     int type = 0;
     int offset = 0;
@@ -311,7 +301,7 @@ private:
         return model.cursor - column + int(editor.textLine(row).size());
     }
 
-    mutable Editor editor;
+    mutable ZMultiLineEdit editor;
     Model model;
     QStringList told;
     int changes = 0;

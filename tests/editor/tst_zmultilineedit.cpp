@@ -2,11 +2,13 @@
 // text, marks and history is compared with a model in tst_editormodel.
 #include "editor/widget/predictiveinput.h"
 #include "editor/widget/zmultilineedit_p.h"
+#include "textinput/state/zinputmethodstate.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QDropEvent>
+#include <QFile>
 #include <QInputMethodEvent>
 #include <QIntValidator>
 #include <QMenu>
@@ -15,6 +17,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <functional>
+#include <sys/shm.h>
 
 using namespace Qt::StringLiterals;
 
@@ -28,10 +31,7 @@ public:
         resize(120, 100);
         show();
     }
-    using ZMultiLineEdit::addUndoCmd;
-    using ZMultiLineEdit::backspace;
     using ZMultiLineEdit::dropEvent;
-    using ZMultiLineEdit::processCmd;
     using ZMultiLineEdit::startAutoScroll;
 
     ZMultiLineData &data() { return ZMultiLineData::of(*this); }
@@ -84,7 +84,9 @@ private Q_SLOTS:
     void popupEntries_data();
     void popupEntries();
     void compositionIsNoText();
+    void compositionOverMarkedTextIsOneStep();
     void predictiveInput();
+    void otherProcessesSeeTheTextAroundTheCursor();
     void smartPunctuation_data();
     void smartPunctuation();
     void autoScrollGetsFaster();
@@ -335,6 +337,41 @@ void TstZMultiLineEdit::compositionIsNoText()
     QCOMPARE(editor.text(), u"one two"_s);
 }
 
+void TstZMultiLineEdit::compositionOverMarkedTextIsOneStep()
+{
+    using Change = std::function<void(Editor &)>;
+    const std::pair<Change, QString> ends[] = {{[](Editor &e) { e.compose({}, u"word"_s); }, u"one word"_s},
+        {[](Editor &e) { e.compose(u"next"_s, u"word"_s); }, u"one word"_s},
+        {[](Editor &e) { e.compose({}); }, u"one "_s}, {[](Editor &e) { e.home(); }, u"one "_s},
+        {[](Editor &e) { e.setUndoEnabled(false), e.setUndoEnabled(true); }, u"one "_s}};
+    for (const auto &[end, text] : ends) {
+        Editor editor;
+        editor.insert(u"one two"_s);
+        editor.setSelection(0, 4, 0, 7);
+        editor.compose(u"w"_s);
+        editor.compose(u"wo"_s);
+        end(editor);
+        QCOMPARE(editor.text(), text);
+        editor.undo();
+        QCOMPARE(editor.text(), u"one two"_s);
+        editor.redo();
+        QCOMPARE(editor.text(), text);
+        editor.insert(u"!"_s);
+        editor.undo();
+        QCOMPARE(editor.text(), text);
+    }
+    Editor editor;
+    editor.insert(u"one two"_s);
+    editor.setSelection(0, 4, 0, 7);
+    editor.compose(u"w"_s);
+    editor.undo(); // in the middle of it
+    QCOMPARE(editor.text(), u"one two"_s);
+    editor.selectAll();
+    editor.compose(u"w"_s);
+    editor.setText(u"three"_s);
+    QVERIFY(editor.data().history.undoList().empty());
+}
+
 void TstZMultiLineEdit::predictiveInput()
 {
     Guess guess;
@@ -362,6 +399,32 @@ void TstZMultiLineEdit::predictiveInput()
     QCOMPARE(guess.context.paragraph, u"aqb"_s);
     editor.setReadOnly(true);
     QVERIFY(guess.context.paragraph.isEmpty());
+}
+
+void TstZMultiLineEdit::otherProcessesSeeTheTextAroundTheCursor()
+{
+    constexpr char file[] = "/tmp/imsstate.shm"; // as the GUI server makes it
+    QVERIFY(QFile(QLatin1StringView(file)).open(QIODevice::WriteOnly));
+    const int segment = ::shmget(::ftok(file, 'g'), 1932, IPC_CREAT | 0600);
+    const ZInputMethodState state;
+    Editor editor;
+    editor.setText(u"1\n2\n3\n4\nfive\n6"_s);
+    QTRY_VERIFY(editor.hasFocus());
+    editor.setCursorPosition(4, 2);
+    QCOMPARE(state.getEditContext().lines(), (QStringList{u"2"_s, u"3"_s, u"4"_s, u"five"_s, u"6"_s}));
+    QCOMPARE(state.getEditContext().line(state.getEditContext().cursorLine()), u"five"_s);
+    QCOMPARE(state.getEditContext().cursorPosition(), 2);
+    QCOMPARE(state.editCursor(), editor.viewport()->mapToGlobal(editor.data().cursorRect().bottomLeft()));
+    editor.setEchoMode(ZMultiLineEdit::Password);
+    editor.press(Qt::Key_B, u"b"_s);
+    QVERIFY(state.getEditContext().lines().isEmpty());
+    editor.setEchoMode(ZMultiLineEdit::Normal);
+    editor.press(Qt::Key_C, u"c"_s);
+    QCOMPARE(state.getEditContext().cursorPosition(), 4);
+    ZInputMethodState().setEditContext({u"another one's"_s}, 0, 0);
+    editor.clearFocus();
+    QCOMPARE(state.getEditContext().lines(), QStringList{u"another one's"_s});
+    ::shmctl(segment, IPC_RMID, nullptr);
 }
 
 void TstZMultiLineEdit::smartPunctuation_data()
