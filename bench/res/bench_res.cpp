@@ -64,7 +64,8 @@ void check(benchmark::State &state, bool found)
         state.SkipWithError("not found");
 }
 
-void openAndAsk_floor(benchmark::State &state)
+// Opening a file and touching one page of it.
+void floorOfOpening(benchmark::State &state)
 {
     const std::string path = stem(state) + ".tyx";
     for (auto _ : state) {
@@ -72,6 +73,48 @@ void openAndAsk_floor(benchmark::State &state)
         benchmark::DoNotOptimize(*static_cast<const volatile char *>(file.bytes));
     }
 }
+void openAndFind_floor(benchmark::State &state) { floorOfOpening(state); }
+void openAndAsk_floor(benchmark::State &state) { floorOfOpening(state); }
+
+// Whether a name is there.
+void openAndFind_Tyx(benchmark::State &state)
+{
+    const QString path = QString::fromStdString(stem(state) + ".tyx");
+    const auto all = texts(state, "");
+    size_t next = 0;
+    for (auto _ : state) {
+        ZResFileReader reader(path);
+        check(state, reader.exists(all[next++ % all.size()]));
+    }
+}
+
+void openAndFind_GResource(benchmark::State &state)
+{
+    const std::string path = stem(state) + ".gresource";
+    const auto all = names(state, "/", ".paths");
+    size_t next = 0;
+    for (auto _ : state) {
+        GResource *resource = g_resource_load(path.c_str(), nullptr);
+        check(state,
+            g_resource_get_info(
+                resource, all[next++ % all.size()].c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr, nullptr, nullptr));
+        g_resource_unref(resource);
+    }
+}
+
+void openAndFind_QResource(benchmark::State &state)
+{
+    const QString path = QString::fromStdString(stem(state) + ".rcc");
+    const auto all = texts(state, ":/");
+    size_t next = 0;
+    for (auto _ : state) {
+        QResource::registerResource(path);
+        check(state, QResource(all[next++ % all.size()]).isValid());
+        QResource::unregisterResource(path);
+    }
+}
+
+// The first byte of what has the name.
 
 void openAndAsk_Tyx(benchmark::State &state)
 {
@@ -190,6 +233,10 @@ void everyFile(benchmark::internal::Benchmark *benchmark)
 
 }
 
+BENCHMARK(openAndFind_floor)->Apply(everyFile);
+BENCHMARK(openAndFind_Tyx)->Apply(everyFile);
+BENCHMARK(openAndFind_GResource)->Apply(everyFile);
+BENCHMARK(openAndFind_QResource)->Apply(everyFile);
 BENCHMARK(openAndAsk_floor)->Apply(everyFile);
 BENCHMARK(openAndAsk_Tyx)->Apply(everyFile);
 BENCHMARK(openAndAsk_GResource)->Apply(everyFile);

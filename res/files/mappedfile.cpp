@@ -3,36 +3,40 @@
 #include <QFile>
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace res {
 
 namespace {
 
-tl::expected<platform::Mapping, LoadError> map(const platform::Fd &fd)
-{
-    return platform::Mapping::readOnly(fd.get()).map_error([](const platform::SysError &error) {
-        return LoadError{LoadError::Map, error};
-    });
+LoadError mapError(const platform::SysError &error) { return {LoadError::Map, error}; }
+LoadError formatError(FormatFault fault) { return {LoadError::Format, {}, fault}; }
+
 }
 
-// As much of `buffer` as the file has from there on.
-Bytes readAt(const platform::Fd &fd, quint32 offset, std::span<std::byte> buffer)
+Bytes readAt(const platform::Fd &fd, quint64 offset, std::span<std::byte> buffer)
 {
-    const ssize_t got = ::pread(fd.get(), buffer.data(), buffer.size(), off_t{offset});
+    const ssize_t got = ::pread(fd.get(), buffer.data(), buffer.size(), off_t(offset));
     return buffer.first(size_t(std::max<ssize_t>(got, 0)));
 }
 
-tl::expected<ResIndex, FormatFault> indexOf(const platform::Fd &fd, Bytes file, Version version)
+tl::expected<FileTables, LoadError> tablesOf(const platform::Fd &fd, Version version)
 {
+    struct stat status = {};
+    if (::fstat(fd.get(), &status) != 0)
+        return tl::make_unexpected(mapError({"fstat", errno}));
+    if (!S_ISREG(status.st_mode))
+        return tl::make_unexpected(mapError({"mmap", ENODEV}));
     std::array<std::byte, size_t(kFixedHeaderSize)> header;
     std::array<std::byte, startblock::size> block;
-    return ResIndex::startBlockOf(readAt(fd, 0, header), version).and_then([&](quint32 start) {
-        return ResIndex::parse(file, start, readAt(fd, start, block), version);
-    });
-}
-
+    return FileTables::startBlockOf(readAt(fd, 0, header), version)
+        .and_then([&](quint32 start) {
+            return FileTables::parse(quint64(status.st_size), start, readAt(fd, start, block), version);
+        })
+        .map_error(formatError);
 }
 
 tl::expected<platform::Fd, LoadError> openFile(const QString &path)
@@ -48,10 +52,19 @@ tl::expected<platform::Fd, LoadError> openFile(const QString &path)
 
 tl::expected<platform::Mapping, LoadError> mapFile(const QString &path)
 {
-    const auto fd = openFile(path);
-    if (!fd)
-        return tl::make_unexpected(fd.error());
-    return map(*fd);
+    return openFile(path).and_then(
+        [](const platform::Fd &fd) { return platform::Mapping::readOnly(fd.get()).map_error(mapError); });
+}
+
+platform::Result<MappedFile> MappedFile::map(const platform::Fd &fd, const FileTables &tables)
+{
+    auto mapping = platform::Mapping::readOnly(fd.get());
+    if (!mapping)
+        return tl::make_unexpected(mapping.error());
+    if (mapping->bytes().size() != tables.fileSize)
+        return platform::failed("mmap", ESTALE);
+    ResIndex index(mapping->bytes(), tables);
+    return MappedFile(std::move(*mapping), std::move(index));
 }
 
 tl::expected<MappedFile, LoadError> MappedFile::open(const QString &path, Version version)
@@ -59,13 +72,9 @@ tl::expected<MappedFile, LoadError> MappedFile::open(const QString &path, Versio
     const auto fd = openFile(path);
     if (!fd)
         return tl::make_unexpected(fd.error());
-    auto mapping = map(*fd);
-    if (!mapping)
-        return tl::make_unexpected(mapping.error());
-    auto index = indexOf(*fd, mapping->bytes(), version);
-    if (!index)
-        return tl::make_unexpected(LoadError{LoadError::Format, {}, index.error()});
-    return MappedFile(std::move(*mapping), std::move(*index));
+    return tablesOf(*fd, version).and_then([&](const FileTables &tables) {
+        return map(*fd, tables).map_error(mapError);
+    });
 }
 
 }

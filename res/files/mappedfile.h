@@ -19,13 +19,15 @@ struct LoadError {
     FormatFault format{}; // of Format
 };
 
-// Mapped read-only for as long as this object lives; what it hands out points into the mapping. The descriptor is
-// closed. A file that is replaced meanwhile stays mapped as it was; one that somebody else cuts short kills who reads
-// behind its new end (SIGBUS), which is why our writers never do.
+// Mapped read-only for as long as this object lives; what it hands out points into the mapping. A file that is replaced
+// meanwhile stays mapped as it was; one that somebody else cuts short kills who reads behind its new end (SIGBUS),
+// which is why our writers never do.
 class MappedFile {
 public:
     // ENODEV for what is no regular file; a FIFO is not waited for.
     TYX_EXPORT static tl::expected<MappedFile, LoadError> open(const QString &path, Version version);
+    // ESTALE when the file has not the size any more that its tables were held against.
+    static platform::Result<MappedFile> map(const platform::Fd &fd, const FileTables &tables);
 
     [[nodiscard]] Bytes bytes() const { return m_mapping.bytes(); }
     [[nodiscard]] const ResIndex &index() const { return m_index; }
@@ -39,6 +41,12 @@ private:
 
 // For reading, without waiting for a FIFO; closed when a program is started.
 tl::expected<platform::Fd, LoadError> openFile(const QString &path);
+
+// Where everything is in a file, by reading a few bytes of it. The fault is one of Map or Format.
+tl::expected<FileTables, LoadError> tablesOf(const platform::Fd &fd, Version version);
+
+// As much of `buffer` as the file has from there on.
+Bytes readAt(const platform::Fd &fd, quint64 offset, std::span<std::byte> buffer);
 
 // The bytes of any file, for who wants to look at one that does not load.
 TYX_EXPORT tl::expected<platform::Mapping, LoadError> mapFile(const QString &path);

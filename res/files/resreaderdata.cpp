@@ -36,7 +36,7 @@ bool ResReaderData::load()
 {
     m_file.reset();
     m_next = 0;
-    auto file = MappedFile::open(fileName, Version::Resources);
+    auto file = ResourceFile::open(fileName);
     if (file)
         m_file.emplace(std::move(*file));
     return m_file.has_value();
@@ -44,25 +44,24 @@ bool ResReaderData::load()
 
 void ResReaderData::reset() { *this = ResReaderData(); }
 
-bool ResReaderData::exists(const QString &id) const { return m_file && m_file->index().find(Latin1Id(id).view()); }
+const ResIndex *ResReaderData::index() { return m_file ? m_file->index() : nullptr; }
 
-bool ResReaderData::get(const QString &id, const char *&data, unsigned int &length) const
+bool ResReaderData::exists(const QString &id) { return m_file && m_file->dataOffsetOf(Latin1Id(id).view()); }
+
+bool ResReaderData::get(const QString &id, const char *&data, unsigned int &length)
 {
     data = nullptr;
     length = 0;
-    if (!m_file)
-        return false;
-    const auto slot = m_file->index().find(Latin1Id(id).view());
-    return slot && getDataAtOffset(m_file->index().dataOffsetAt(*slot), data, length);
+    const auto offset = m_file ? m_file->dataOffsetOf(Latin1Id(id).view()) : std::nullopt;
+    return offset && getDataAtOffset(*offset, data, length);
 }
 
-bool ResReaderData::getDataAtOffset(quint32 offset, const char *&data, unsigned int &length) const
+bool ResReaderData::getDataAtOffset(quint32 offset, const char *&data, unsigned int &length)
 {
     data = nullptr;
     length = 0;
-    if (!m_file)
-        return false;
-    const auto block = m_file->index().block(offset);
+    const ResIndex *tables = index();
+    const auto block = tables ? tables->block(offset) : tl::make_unexpected(BlockFault::Check);
     if (!block)
         return false;
     data = reinterpret_cast<const char *>(block->data());
@@ -70,7 +69,11 @@ bool ResReaderData::getDataAtOffset(quint32 offset, const char *&data, unsigned 
     return true;
 }
 
-QString ResReaderData::getID(quint32 slot) const { return m_file ? idAt(m_file->index(), slot) : QString(); }
+QString ResReaderData::getID(quint32 slot)
+{
+    const ResIndex *tables = index();
+    return tables ? idAt(*tables, slot) : QString();
+}
 
 QString ResReaderData::getFirstID()
 {
@@ -78,6 +81,10 @@ QString ResReaderData::getFirstID()
     return getNextID();
 }
 
-QString ResReaderData::getNextID() { return m_file ? nextId(m_file->index(), m_next) : QString(); }
+QString ResReaderData::getNextID()
+{
+    const ResIndex *tables = index();
+    return tables ? nextId(*tables, m_next) : QString();
+}
 
 }

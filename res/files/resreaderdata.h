@@ -1,7 +1,7 @@
 // What both families of readers do.
 #pragma once
 
-#include "res/files/mappedfile.h"
+#include "res/files/resourcefile.h"
 
 #include <optional>
 
@@ -22,18 +22,20 @@ public:
     bool load();
     void reset();
 
-    [[nodiscard]] bool exists(const QString &id) const;
-    bool get(const QString &id, const char *&data, unsigned int &length) const;
-    bool getDataAtOffset(quint32 offset, const char *&data, unsigned int &length) const;
+    [[nodiscard]] bool exists(const QString &id);
+    bool get(const QString &id, const char *&data, unsigned int &length);
+    bool getDataAtOffset(quint32 offset, const char *&data, unsigned int &length);
 
-    [[nodiscard]] QString getID(quint32 slot) const;
+    [[nodiscard]] QString getID(quint32 slot);
     QString getFirstID();
     QString getNextID();
 
     QString fileName;
 
 private:
-    std::optional<MappedFile> m_file; // empty: no load() has succeeded since the last reset() or failure
+    [[nodiscard]] const ResIndex *index(); // null when nothing can be looked up
+
+    std::optional<ResourceFile> m_file; // empty: no load() has succeeded since the last reset() or failure
     quint32 m_next = 0; // the slot that getNextID() looks at first
 };
 

@@ -40,7 +40,9 @@ ResIndex::ResIndex(ResIndex &&) noexcept = default;
 ResIndex &ResIndex::operator=(ResIndex &&) noexcept = default;
 ResIndex::~ResIndex() = default;
 
-tl::expected<quint32, FormatFault> ResIndex::startBlockOf(Bytes header, Version version)
+ResIndex::ResIndex(Bytes file, const FileTables &tables) : m_file(file), m_tables(tables) { }
+
+tl::expected<quint32, FormatFault> FileTables::startBlockOf(Bytes header, Version version)
 {
     if (header.size() < size_t(kMagicSize)
         || std::memcmp(header.data(), magic(version).data(), size_t(kMagicSize)) != 0)
@@ -49,39 +51,51 @@ tl::expected<quint32, FormatFault> ResIndex::startBlockOf(Bytes header, Version 
     return parseDigits(digits.first(std::min(digits.size(), size_t(kStartDigits))));
 }
 
-tl::expected<ResIndex, FormatFault> ResIndex::parse(Bytes file, Version version)
+tl::expected<FileTables, FormatFault> FileTables::parse(
+    quint64 fileSize, quint32 start, Bytes startBlock, Version version)
 {
-    const auto start = startBlockOf(file, version);
-    if (!start)
-        return tl::make_unexpected(start.error());
-    if (quint64{*start} + startblock::size > file.size())
-        return tl::make_unexpected(FormatFault::StartBlockOffset);
-    return parse(file, *start, file.subspan(*start, startblock::size), version);
-}
-
-tl::expected<ResIndex, FormatFault> ResIndex::parse(Bytes file, quint32 start, Bytes startBlock, Version version)
-{
-    if (startBlock.size() < startblock::size || quint64{start} + startblock::size > file.size())
+    if (startBlock.size() < startblock::size || quint64{start} + startblock::size > fileSize)
         return tl::make_unexpected(FormatFault::StartBlockOffset);
     const std::byte *block = startBlock.data();
     if (loadWord(block + startblock::check) != kStartBlockCheck)
         return tl::make_unexpected(FormatFault::StartBlockCheck);
-    ResIndex index;
-    index.m_file = file;
-    index.m_entrySize = entrySize(version);
-    index.m_startBlock = start;
-    index.m_idTable = loadWord(block + startblock::idTable);
-    index.m_slotCount = loadWord(block + startblock::slotCount);
-    index.m_hashTable = loadWord(block + startblock::hashTable);
-    index.m_data = loadWord(block + startblock::data);
-    const quint64 hashTableEnd = index.m_hashTable + quint64{index.m_slotCount} * index.m_entrySize;
+    FileTables tables;
+    tables.fileSize = fileSize;
+    tables.entrySize = res::entrySize(version);
+    tables.startBlock = start;
+    tables.idTable = loadWord(block + startblock::idTable);
+    tables.slotCount = loadWord(block + startblock::slotCount);
+    tables.hashTable = loadWord(block + startblock::hashTable);
+    tables.data = loadWord(block + startblock::data);
     // A position at the end of the file is inside: without resources there is nothing behind it.
-    if (index.m_idTable > file.size() || hashTableEnd > file.size() || index.m_data > file.size())
+    if (tables.idTable > fileSize || tables.slotAt(tables.slotCount) > fileSize || tables.data > fileSize)
         return tl::make_unexpected(FormatFault::Tables);
-    return index;
+    return tables;
 }
 
-const std::byte *ResIndex::slotAt(quint32 slot) const { return m_file.data() + m_hashTable + slot * m_entrySize; }
+// A stored text that is longer than the identifier does not begin it.
+bool beginsWithStored(QByteArrayView id, Bytes stored)
+{
+    std::size_t size = std::min(stored.size(), size_t(id.size()));
+    const void *end = size == 0 ? nullptr : std::memchr(stored.data(), kIdEnd, size);
+    if (end)
+        size = size_t(static_cast<const std::byte *>(end) - stored.data());
+    else if (size < stored.size() && stored[size] != std::byte{kIdEnd})
+        return false;
+    return size == 0 || std::memcmp(stored.data(), id.data(), size) == 0;
+}
+
+tl::expected<ResIndex, FormatFault> ResIndex::parse(Bytes file, Version version)
+{
+    return FileTables::startBlockOf(file, version)
+        .and_then([&](quint32 start) {
+            const Bytes block = start < file.size() ? file.subspan(start) : Bytes();
+            return FileTables::parse(file.size(), start, block, version);
+        })
+        .map([&](const FileTables &tables) { return ResIndex(file, tables); });
+}
+
+const std::byte *ResIndex::slotAt(quint32 slot) const { return m_file.data() + m_tables.slotAt(slot); }
 
 quint32 ResIndex::hashAt(quint32 slot) const { return loadWord(slotAt(slot) + entry::hash); }
 quint32 ResIndex::idOffsetAt(quint32 slot) const { return loadWord(slotAt(slot) + entry::id); }
@@ -97,18 +111,18 @@ ImageRect ResIndex::rectAt(quint32 slot) const
 std::optional<quint32> ResIndex::find(QByteArrayView id) const
 {
     const quint32 hash = hashVal(id);
-    if (hash == kHashOfNothing || m_slotCount == 0)
+    if (hash == kHashOfNothing || m_tables.slotCount == 0)
         return {};
     if (m_names)
         return m_names->find(*this, hash, id);
     std::optional<quint32> found;
-    quint32 slot = hash % m_slotCount;
-    quint32 left = m_slotCount;
+    quint32 slot = hash % m_tables.slotCount;
+    quint32 left = m_tables.slotCount;
     while (left > 0 && !found) {
-        const auto end = static_cast<quint32>(std::min(quint64{slot} + left, quint64{m_slotCount}));
+        const auto end = static_cast<quint32>(std::min(quint64{slot} + left, quint64{m_tables.slotCount}));
         const quint32 candidate = nextCandidate(slot, end, hash);
         left -= candidate - slot;
-        slot = candidate == m_slotCount ? 0 : candidate;
+        slot = candidate == m_tables.slotCount ? 0 : candidate;
         if (candidate == end)
             continue; // around the end of the table, or all of it was seen
         if (idOffsetAt(slot) == kNoId)
@@ -116,9 +130,9 @@ std::optional<quint32> ResIndex::find(QByteArrayView id) const
         if (holdsBeginningOf(id, idOffsetAt(slot)))
             found = slot;
         --left;
-        slot = slot + 1 == m_slotCount ? 0 : slot + 1;
+        slot = slot + 1 == m_tables.slotCount ? 0 : slot + 1;
     }
-    countSteps(m_slotCount - left);
+    countSteps(m_tables.slotCount - left);
     return found;
 }
 
@@ -127,7 +141,7 @@ std::optional<quint32> ResIndex::find(QByteArrayView id) const
 quint32 ResIndex::nextCandidate(quint32 slot, quint32 end, quint32 hash) const
 {
     const std::byte *at = slotAt(slot);
-    const std::size_t step = m_entrySize;
+    const std::size_t step = m_tables.entrySize;
     while (slot < end && loadWord(at + entry::hash) != hash && loadWord(at + entry::id) != kNoId) {
         ++slot;
         at += step;
@@ -141,35 +155,24 @@ void ResIndex::countSteps(quint32 steps) const
     if (steps <= kShortChain)
         return;
     m_steps += steps;
-    if (m_steps > m_slotCount * kStepsPerSlot)
+    if (m_steps > m_tables.slotCount * kStepsPerSlot)
         m_names = std::make_unique<NameIndex>(*this);
 }
 
 Bytes ResIndex::textAt(quint32 idOffset) const
 {
-    const quint64 position = quint64{m_idTable} + idOffset;
+    const quint64 position = quint64{m_tables.idTable} + idOffset;
     return position < m_file.size() ? m_file.subspan(size_t(position)) : Bytes();
 }
 
-// The text ends at a line end or with the file. One that lies outside the file is no match; an empty one begins every
-// identifier.
 bool ResIndex::holdsBeginningOf(QByteArrayView id, quint32 idOffset) const
 {
-    if (quint64{m_idTable} + idOffset > m_file.size())
-        return false;
-    const Bytes rest = textAt(idOffset);
-    std::size_t size = std::min(rest.size(), size_t(id.size()));
-    const void *end = size == 0 ? nullptr : std::memchr(rest.data(), kIdEnd, size);
-    if (end)
-        size = size_t(static_cast<const std::byte *>(end) - rest.data());
-    else if (size < rest.size() && rest[size] != std::byte{kIdEnd})
-        return false; // it is longer than the identifier
-    return size == 0 || std::memcmp(rest.data(), id.data(), size) == 0;
+    return quint64{m_tables.idTable} + idOffset <= m_file.size() && beginsWithStored(id, textAt(idOffset));
 }
 
 QByteArrayView ResIndex::idAt(quint32 slot) const
 {
-    if (slot >= m_slotCount)
+    if (slot >= m_tables.slotCount)
         return {};
     const quint32 idOffset = idOffsetAt(slot);
     const Bytes text = idOffset == kNoId ? Bytes() : textAt(idOffset);
@@ -188,7 +191,7 @@ QByteArrayView ResIndex::idAt(quint32 slot) const
 
 tl::expected<Bytes, BlockFault> ResIndex::block(quint32 offset) const
 {
-    const quint64 start = quint64{m_data} + offset;
+    const quint64 start = quint64{m_tables.data} + offset;
     if (start + kWord > m_file.size() || loadWord(m_file.data() + size_t(start) + datablock::check) != kDataBlockCheck)
         return tl::make_unexpected(BlockFault::Check);
     if (start + datablock::header > m_file.size())

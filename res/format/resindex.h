@@ -38,6 +38,29 @@ struct ImageRect {
     friend bool operator==(const ImageRect &, const ImageRect &) = default;
 };
 
+// Where everything is in a file, in bytes from its start, as the start block has it; looked at, so that it lies inside.
+struct FileTables {
+    // The offset of the start block; of the header kFixedHeaderSize bytes are looked at.
+    TYX_EXPORT static tl::expected<quint32, FormatFault> startBlockOf(Bytes header, Version version);
+    // `startBlock` holds what the file has at `start`, as far as it goes.
+    static tl::expected<FileTables, FormatFault> parse(
+        quint64 fileSize, quint32 start, Bytes startBlock, Version version);
+
+    [[nodiscard]] quint64 slotAt(quint32 slot) const { return hashTable + quint64{slot} * entrySize; }
+
+    quint64 fileSize = 0;
+    std::size_t entrySize = entry::resourcesSize;
+    quint32 startBlock = 0;
+    quint32 idTable = 0;
+    quint32 slotCount = 0;
+    quint32 hashTable = 0;
+    quint32 data = 0;
+};
+
+// Whether an identifier begins with a stored text, whose end is a line end or that of the bytes. Of these, one more
+// than the identifier has are enough. An empty text begins every identifier.
+bool beginsWithStored(QByteArrayView id, Bytes stored);
+
 class NameIndex;
 
 // The tables of one file. The bytes belong to somebody else and outlive this object. To parse looks at the header and
@@ -46,17 +69,15 @@ class TYX_EXPORT ResIndex {
 public:
     ResIndex(); // of no file: without slots
     static tl::expected<ResIndex, FormatFault> parse(Bytes file, Version version);
-
-    // The same in two steps, for who reads those few bytes by other means than `file`: a page of a mapping that is
-    // touched for the first time costs several times as much as reading from the file.
-    static tl::expected<quint32, FormatFault> startBlockOf(Bytes header, Version version); // kFixedHeaderSize of it
-    static tl::expected<ResIndex, FormatFault> parse(Bytes file, quint32 start, Bytes startBlock, Version version);
+    // Of a file whose tables were found by other means: to read a few bytes costs a fraction of what it costs to touch
+    // a page of a mapping for the first time. `file` has the size that they were held against.
+    ResIndex(Bytes file, const FileTables &tables);
 
     ResIndex(ResIndex &&) noexcept;
     ResIndex &operator=(ResIndex &&) noexcept;
     ~ResIndex();
 
-    [[nodiscard]] quint32 slotCount() const { return m_slotCount; }
+    [[nodiscard]] quint32 slotCount() const { return m_tables.slotCount; }
 
     // The slot of an identifier (Latin-1). Promised: a stored identifier of the same hash that `id` begins with is
     // found too; of several it is the first one on the way from the slot that the hash names. An identifier whose hash
@@ -77,10 +98,10 @@ public:
     [[nodiscard]] tl::expected<Bytes, BlockFault> block(quint32 offset) const;
 
     // Offsets in the file, as the start block has them.
-    [[nodiscard]] quint32 startBlock() const { return m_startBlock; }
-    [[nodiscard]] quint32 idTable() const { return m_idTable; }
-    [[nodiscard]] quint32 hashTable() const { return m_hashTable; }
-    [[nodiscard]] quint32 data() const { return m_data; }
+    [[nodiscard]] quint32 startBlock() const { return m_tables.startBlock; }
+    [[nodiscard]] quint32 idTable() const { return m_tables.idTable; }
+    [[nodiscard]] quint32 hashTable() const { return m_tables.hashTable; }
+    [[nodiscard]] quint32 data() const { return m_tables.data; }
 
 private:
     friend class NameIndex;
@@ -91,12 +112,7 @@ private:
     void countSteps(quint32 steps) const;
 
     Bytes m_file;
-    std::size_t m_entrySize = entry::resourcesSize;
-    quint32 m_startBlock = 0;
-    quint32 m_idTable = 0;
-    quint32 m_slotCount = 0;
-    quint32 m_hashTable = 0;
-    quint32 m_data = 0;
+    FileTables m_tables;
     mutable std::optional<Bytes::size_type> m_lastIdEnd; // in the file, once it was asked for
     mutable quint64 m_steps = 0; // along chains so far
     mutable std::unique_ptr<NameIndex> m_names; // once the steps would have paid for it

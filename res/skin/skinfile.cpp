@@ -67,7 +67,7 @@ std::unique_ptr<std::byte[]> readFront(const platform::Fd &fd, std::size_t size)
 
 bool isMisaligned(Bytes file)
 {
-    const auto start = ResIndex::startBlockOf(file, Version::Skin);
+    const auto start = FileTables::startBlockOf(file, Version::Skin);
     return start && quint64{*start} + startblock::size <= file.size() && *start % startblock::alignment != 0;
 }
 

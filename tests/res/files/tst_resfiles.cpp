@@ -157,6 +157,9 @@ private Q_SLOTS:
     void aFullDiskKeepsTheOldFile();
     void namesThatAreNoFiles_data();
     void namesThatAreNoFiles();
+    void firstAndLaterAnswersAgree_data();
+    void firstAndLaterAnswersAgree();
+    void aFileThatIsCutShort();
     void theIconsOfThePhone();
     void pixmaps_data();
     void pixmaps();
@@ -217,6 +220,62 @@ void TstResFiles::namesThatAreNoFiles()
         QVERIFY(reader.getFirstID().isNull() && reader.getID(0).isNull());
     }),
         QByteArray());
+}
+
+void TstResFiles::firstAndLaterAnswersAgree_data()
+{
+    QTest::addColumn<QStringList>("ids");
+    QTest::newRow("none") << QStringList();
+    QTest::newRow("one, empty") << QStringList(QString());
+    QTest::newRow("short chains") << QStringList{u"a"_s, u"ab"_s, u"b"_s, u"xyz.g"_s, QString(300, u'x')};
+    QStringList chain;
+    for (int number = 0; number < 300; ++number)
+        chain.append(u"icon_%1.g"_s.arg(number, 6, 10, QChar(u'0')));
+    QTest::newRow("long chains, around the end") << chain;
+}
+
+// The first questions are answered by reading, later ones by a mapping: of sound files and of damaged ones.
+void TstResFiles::firstAndLaterAnswersAgree()
+{
+    QFETCH(QStringList, ids);
+    QList<std::pair<QString, QByteArray>> resources;
+    for (const QString &id : std::as_const(ids))
+        resources.append({id, id.toLatin1() + '!'});
+    writeFile<ZResFileWriter>(resources);
+    const QByteArray sound = content(kFile);
+    const qsizetype tables = qsizetype(qstrlen(UTIL_ResFile::headerText));
+    QStringList asked = ids;
+    asked.append({u"a!"_s, u"abc"_s, u"none"_s, QString(), QString(301, u'x')});
+    for (int damage = 0; damage < 60; ++damage) {
+        QByteArray bytes = sound;
+        for (int byte = 0; byte < damage; ++byte) // none in the first round
+            bytes[tables + qsizetype(qHash(damage * 100 + byte) % size_t(bytes.size() - tables))] = char(byte % 3 - 1);
+        fill(kFile, bytes);
+        ZResFileReader later(kFile);
+        for (int i = 0; i < 20; ++i)
+            later.exists(u"none"_s);
+        for (const QString &id : std::as_const(asked)) {
+            ZResFileReader first(kFile);
+            QCOMPARE(first.exists(id), later.exists(id));
+            QCOMPARE(dataOf(first, id), dataOf(later, id));
+            if (damage == 0)
+                QCOMPARE(dataOf(first, id), ids.contains(id) ? id.toLatin1() + '!' : QByteArray("(none)"));
+        }
+    }
+}
+
+void TstResFiles::aFileThatIsCutShort()
+{
+    writeFile<ZResFileWriter>({{u"a"_s, QByteArray(10'000, 'x')}});
+    for (const qint64 size : {0, 24, 3000, 10'000}) {
+        const QByteArray before = content(kFile);
+        ZResFileReader reader(kFile);
+        QVERIFY(QFile::resize(kFile, size));
+        QCOMPARE(dataOf(reader, u"a"_s), QByteArray("(none)"));
+        QVERIFY(reader.getFirstID().isNull());
+        QVERIFY(!reader.exists(u"a"_s));
+        fill(kFile, before);
+    }
 }
 
 void TstResFiles::theIconsOfThePhone()
