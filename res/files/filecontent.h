@@ -1,19 +1,17 @@
-// Files that are read as a whole.
+// How much of a file becomes a resource.
 #pragma once
 
-#include "platform/system/result.h"
-#include "platform/tyxexport.h"
-
-#include <QByteArray>
-#include <QString>
+#include "platform/system/filecontent.h"
 
 namespace res {
 
 // A resource of a phone is not larger; it is read into memory.
 inline constexpr qint64 kMaxResourceBytes = qint64{256} << 20;
 
-// The bytes of a regular file; EINVAL for anything else, EFBIG for more than kMaxResourceBytes, ENOMEM where there is
-// no memory for them. A FIFO is not waited for. Exported for the tools, not installed.
-TYX_EXPORT platform::Result<QByteArray> fileContent(const QString &path);
+// As platform::fileContent(), up to kMaxResourceBytes.
+inline platform::Result<QByteArray> fileContent(const QString &path)
+{
+    return platform::fileContent(path, kMaxResourceBytes);
+}
 
 }
