@@ -7,7 +7,6 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <memory>
 
 namespace tyx {
 
@@ -171,7 +170,7 @@ int diff(const Options &options)
     return printDifferences(kinds, options.json);
 }
 
-int runOnText(int (*action)(const Options &), const Options &options)
+template <CommandGroup<Options>::Action action> int onText(const Options &options)
 {
     const int refused = refuseOtherThanText(options);
     return refused == Done ? action(options) : refused;
@@ -181,33 +180,36 @@ int runOnText(int (*action)(const Options &), const Options &options)
 
 void addPack(CLI::App &app, int &exit)
 {
-    CLI::App *parent = app.add_subcommand("pack", "Packs images, sounds and other files into resource files.");
-    parent->require_subcommand(1);
-    const auto options = std::make_shared<Options>();
-    const auto command = [&](const char *name, const char *help, int (*action)(const Options &)) {
-        CLI::App *made = parent->add_subcommand(name, help);
-        made->add_option("FILE", options->file, "The resource file")->required();
-        made->callback([action, options, &exit] { exit = runOnText(action, *options); });
-        return made;
+    const CommandGroup<Options> group(app, "pack", "Packs images, sounds and other files into resource files.", exit);
+    Options &options = group.options();
+    const auto onFile = [&](const char *name, const char *help, CommandGroup<Options>::Action action) {
+        CLI::App *command = group.add(name, help, action);
+        command->add_option("FILE", options.file, "The resource file")->required();
+        return command;
     };
-    const auto json = [&](CLI::App *made) { made->add_flag("--json", options->json, "As JSON"); };
 
-    command("create", "Makes a resource file of all files in a folder.", create)
-        ->add_option("SOURCE", options->other,
+    onFile("create", "Makes a resource file of all files in a folder.", onText<create>)
+        ->add_option("SOURCE", options.other,
             "A folder, or a manifest: a path in each line, and behind a tab the identifier if it is not the path's")
         ->required();
-    json(command("list", "Prints identifiers and sizes.", list));
-    CLI::App *made = command("extract", "Writes resources into a folder, as files.", extract);
-    made->add_option("FOLDER", options->other, "Is made when it is missing")->required();
-    made->add_option("ID", options->names, "Only these; 1 when one is not there");
-    made->add_flag("--replace", options->replace, "Files that are there already, too");
-    json(command("verify", "Names the first thing that is wrong in a resource or skin file; 1 when there is.", verify));
-    made = command("diff", "Tells what one file has and the other has not, or otherwise; 1 when they differ.", diff);
-    made->add_option("OTHER", options->other, "The other resource file")->required();
-    json(made);
-    made = command("add", "Adds files to a resource file.", add);
-    made->add_option("PATH", options->names, "The files")->required();
-    made->add_flag("--replace", options->replace, "Resources that are there already, too");
+    group.addJson(onFile("list", "Prints identifiers and sizes.", onText<list>));
+
+    CLI::App *command = onFile("extract", "Writes resources into a folder, as files.", onText<extract>);
+    command->add_option("FOLDER", options.other, "Is made when it is missing")->required();
+    command->add_option("ID", options.names, "Only these; 1 when one is not there");
+    command->add_flag("--replace", options.replace, "Files that are there already, too");
+
+    group.addJson(onFile(
+        "verify", "Names the first thing that is wrong in a resource or skin file; 1 when there is.", onText<verify>));
+
+    command = onFile(
+        "diff", "Tells what one file has and the other has not, or otherwise; 1 when they differ.", onText<diff>);
+    command->add_option("OTHER", options.other, "The other resource file")->required();
+    group.addJson(command);
+
+    command = onFile("add", "Adds files to a resource file.", onText<add>);
+    command->add_option("PATH", options.names, "The files")->required();
+    command->add_flag("--replace", options.replace, "Resources that are there already, too");
 }
 
 }

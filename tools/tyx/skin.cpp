@@ -17,8 +17,6 @@
 #include <QImageReader>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <memory>
-#include <set>
 
 namespace tyx {
 
@@ -337,7 +335,7 @@ int sheet(const Options &options)
     return written ? int{Done} : failToSave(options.otherPath(), written.error().text());
 }
 
-int runOnText(int (*action)(const Options &), const Options &options)
+template <CommandGroup<Options>::Action action> int onText(const Options &options)
 {
     int refused = refuseOtherThanText(options);
     if (refused == Done)
@@ -352,42 +350,47 @@ constexpr char kSourceHelp[] =
 
 void addSkin(CLI::App &app, int &exit)
 {
-    CLI::App *parent = app.add_subcommand("skin", "Packs images and colours into skin files.");
-    parent->require_subcommand(1);
-    const auto options = std::make_shared<Options>();
-    const auto command = [&](const char *name, const char *help, int (*action)(const Options &)) {
-        CLI::App *made = parent->add_subcommand(name, help);
-        made->add_option("FILE", options->file, "The skin file")->required();
-        made->callback([action, options, &exit] { exit = runOnText(action, *options); });
-        return made;
+    const CommandGroup<Options> group(app, "skin", "Packs images and colours into skin files.", exit);
+    Options &options = group.options();
+    const auto onFile = [&](const char *name, const char *help, CommandGroup<Options>::Action action) {
+        CLI::App *command = group.add(name, help, action);
+        command->add_option("FILE", options.file, "The skin file")->required();
+        return command;
     };
-    const auto json = [&](CLI::App *made) { made->add_flag("--json", options->json, "As JSON"); };
-    const auto someIds = [&](CLI::App *made) {
-        made->add_option("ID", options->names, "Only these; 1 when one is not there");
+    const auto someIds = [&](CLI::App *command) {
+        command->add_option("ID", options.names, "Only these; 1 when one is not there");
     };
 
-    CLI::App *made = command("create", "Makes a skin file, of single images or of one that holds them all.", create);
-    CLI::Option *source = made->add_option("SOURCE", options->other, kSourceHelp);
-    made->add_option("--size", options->size, "Of the image that is made; skins that are switched have one size")
+    CLI::App *command =
+        onFile("create", "Makes a skin file, of single images or of one that holds them all.", onText<create>);
+    CLI::Option *source = command->add_option("SOURCE", options.other, kSourceHelp);
+    command->add_option("--size", options.size, "Of the image that is made; skins that are switched have one size")
         ->check(atlasSizes())
         ->needs(source);
-    CLI::Option *image = made->add_option("--image", options->image, "An image that holds all pictures");
-    CLI::Option *rects = made->add_option(
-        "--rects", options->rects, "Where they are: in each line NAME X Y WIDTH HEIGHT; what list prints");
+    CLI::Option *image = command->add_option("--image", options.image, "An image that holds all pictures");
+    CLI::Option *rects = command->add_option(
+        "--rects", options.rects, "Where they are: in each line NAME X Y WIDTH HEIGHT; what list prints");
     image->needs(rects);
     rects->needs(image);
-    json(command("list", "Prints identifiers and rectangles.", list));
-    made = command("extract", "Writes pictures into a folder, as PNG.", extract);
-    made->add_option("FOLDER", options->other, "Is made when it is missing")->required();
-    someIds(made);
-    made->add_flag("--replace", options->replace, "Files that are there already, too");
-    json(command("verify", "Tells what is right and what is wrong in a skin file; 1 when something is.", verify));
-    made = command("diff", "Tells which pictures one file has and the other has not, or otherwise; 1 when any.", diff);
-    made->add_option("OTHER", options->other, "The other skin file")->required();
-    json(made);
-    made = command("sheet", "Draws all pictures with their names on one image.", sheet);
-    made->add_option("PNG", options->other, "The image to write")->required();
-    someIds(made);
+
+    group.addJson(onFile("list", "Prints identifiers and rectangles.", onText<list>));
+
+    command = onFile("extract", "Writes pictures into a folder, as PNG.", onText<extract>);
+    command->add_option("FOLDER", options.other, "Is made when it is missing")->required();
+    someIds(command);
+    command->add_flag("--replace", options.replace, "Files that are there already, too");
+
+    group.addJson(
+        onFile("verify", "Tells what is right and what is wrong in a skin file; 1 when something is.", onText<verify>));
+
+    command = onFile(
+        "diff", "Tells which pictures one file has and the other has not, or otherwise; 1 when any.", onText<diff>);
+    command->add_option("OTHER", options.other, "The other skin file")->required();
+    group.addJson(command);
+
+    command = onFile("sheet", "Draws all pictures with their names on one image.", onText<sheet>);
+    command->add_option("PNG", options.other, "The image to write")->required();
+    someIds(command);
 }
 
 }
