@@ -215,12 +215,6 @@ void drawToolTip(const QStyleOption &option, QPainter &painter)
     painter.fillRect(option.rect, color(option, QPalette::ToolTipBase));
 }
 
-void drawChosenRow(const QStyleOption &option, QPainter &painter)
-{
-    if (!TYXSkin::draw(painter, option.rect, QStringLiteral("row"), {.on = true}))
-        painter.fillRect(option.rect, color(option, QPalette::Highlight));
-}
-
 void drawMenuItem(const QStyleOptionMenuItem &item, QPainter &painter)
 {
     if (item.menuItemType == QStyleOptionMenuItem::Separator) {
@@ -230,8 +224,8 @@ void drawMenuItem(const QStyleOptionMenuItem &item, QPainter &painter)
         return;
     }
     const bool chosen = isOn(item, QStyle::State_Selected) && isOn(item, QStyle::State_Enabled);
-    if (chosen)
-        drawChosenRow(item, painter);
+    if (chosen && !TYXSkin::draw(painter, item.rect, QStringLiteral("row"), {.on = true}))
+        painter.fillRect(item.rect, color(item, QPalette::Highlight));
     const QColor text = color(item, chosen ? QPalette::HighlightedText : QPalette::Text);
     QRect rest = item.rect.adjusted(kMenuIndent, 0, -kMenuIndent, 0);
     const bool hasIndicator = item.menuHasCheckableItems || item.maxIconWidth > 0;

@@ -57,7 +57,6 @@ void drawRadioButton(const QStyleOption &option, QPainter &painter);
 void drawFocusFrame(const QStyleOption &option, QPainter &painter);
 void drawMenuPanel(const QStyleOption &option, QPainter &painter);
 void drawToolTip(const QStyleOption &option, QPainter &painter);
-void drawChosenRow(const QStyleOption &option, QPainter &painter); // of a list or a menu
 void drawMenuItem(const QStyleOptionMenuItem &item, QPainter &painter);
 void drawProgressGroove(const QStyleOption &option, QPainter &painter);
 void drawProgressContents(const QStyleOptionProgressBar &bar, QPainter &painter);
