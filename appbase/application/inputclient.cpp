@@ -29,6 +29,21 @@ void sendToServer(const char *message, const QByteArray &arguments)
     QCopChannel::send("TYX/QtServer", message, arguments);
 }
 
+Qt::InputMethodHints hintsOf(const QWidget &editor)
+{
+    return Qt::InputMethodHints::fromInt(editor.inputMethodQuery(Qt::ImHints).toInt());
+}
+
+bool isSecret(const QWidget &editor) { return hintsOf(editor).testAnyFlags(Qt::ImhHiddenText | Qt::ImhSensitiveData); }
+
+// As SetInputModeCmd counts them.
+int inputType(const QWidget &editor)
+{
+    if (hintsOf(editor).testAnyFlags(Qt::ImhDigitsOnly | Qt::ImhFormattedNumbersOnly))
+        return 1;
+    return isSecret(editor) ? 3 : 0;
+}
+
 bool isReadOnly(const QWidget &editor)
 {
     return !editor.testAttribute(Qt::WA_InputMethodEnabled) || editor.property("readOnly").toBool();
@@ -132,6 +147,8 @@ bool InputClient::eventFilter(QObject *watched, QEvent *event)
         tellServer(editor, *known);
     else if (isPen && editor.hasFocus() && !isReadOnly(editor))
         requestInputWidget(editor, *known, true);
+    else if (event->type() == QEvent::KeyRelease)
+        publishContext();
     else if (event->type() == QEvent::FocusOut && leaves(static_cast<const QFocusEvent &>(*event)))
         requestInputWidget(editor, *known, false);
     return false;
@@ -140,9 +157,8 @@ bool InputClient::eventFilter(QObject *watched, QEvent *event)
 // The pen asks for it; an application that starts with the focus in an editor does not hide half of itself.
 void InputClient::requestInputWidget(const QWidget &editor, const Registration &registration, bool show)
 {
-    const bool numbers = (editor.inputMethodHints() & (Qt::ImhDigitsOnly | Qt::ImhFormattedNumbersOnly)) != 0;
     sendToServer(messages::kShowInputWidget,
-        wire::pack(registration.id, QWSApplication::windowId(&editor), show ? 1 : 0, QUuid(), numbers ? 1 : 0));
+        wire::pack(registration.id, QWSApplication::windowId(&editor), show ? 1 : 0, QUuid(), inputType(editor)));
 }
 
 void InputClient::inputWidgetShown(int editor, int height)
@@ -153,10 +169,28 @@ void InputClient::inputWidgetShown(int editor, int height)
     m_shrunk = window;
     if (window)
         window->getEditorRect(editor, height, true);
+    m_typedInto = this->editor(editor);
+    publishContext();
+}
+
+// For predictive input methods. Secrets stay here.
+void InputClient::publishContext()
+{
+    const auto known = m_editors.constFind(m_typedInto);
+    if (known == m_editors.cend() || !m_typedInto->hasFocus() || isSecret(*m_typedInto))
+        return;
+    if (!m_state)
+        m_state.emplace();
+    const QString text = m_typedInto->inputMethodQuery(Qt::ImSurroundingText).toString();
+    m_state->setEditContext({text}, 0, m_typedInto->inputMethodQuery(Qt::ImCursorPosition).toInt());
+    const QRect cursor = m_typedInto->inputMethodQuery(Qt::ImCursorRectangle).toRect();
+    m_state->setEditCursor(m_typedInto->mapToGlobal(cursor.bottomLeft()));
+    sendToServer(messages::kUpdateEditorState, wire::pack(known->id, 0, 0));
 }
 
 void InputClient::inputWidgetHidden(int editor, int window, bool automatically)
 {
+    m_typedInto = nullptr;
     if (m_shrunk) // it may not be the active window any more
         m_shrunk->getEditorRect(editor, 0, false);
     m_shrunk = nullptr;
@@ -185,4 +219,5 @@ void InputClient::sendKey(const IM_KeyEventEx &event)
         if (receiver) // the press may have destroyed it
             QCoreApplication::sendEvent(receiver, &key);
     }
+    publishContext();
 }

@@ -3,9 +3,11 @@
 
 #include "appbase/application/unconfirmedtext.h"
 #include "platform/values/qcstring.h"
+#include "textinput/state/zinputmethodstate.h"
 
 #include <QHash>
 #include <QPointer>
+#include <optional>
 
 class ZMainWidget;
 struct IM_KeyEventEx;
@@ -43,9 +45,12 @@ private:
     int freeId();
     void tellServer(const QWidget &editor, Registration &registration);
     static void requestInputWidget(const QWidget &editor, const Registration &registration, bool show);
+    void publishContext(); // what stands around the cursor
 
     const QCString m_channel;
     QHash<const QObject *, Registration> m_editors;
     int m_lastNumber = 0;
+    QPointer<QWidget> m_typedInto; // the editor that has the input widget; null: none
+    std::optional<ZInputMethodState> m_state; // made when there is something to tell
     QPointer<ZMainWidget> m_shrunk; // the window that made room for the input widget
 };

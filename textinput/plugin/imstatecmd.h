@@ -57,10 +57,11 @@ struct TYX_EXPORT ShowCompletionCmd : IMStateCmd {
     template <typename Visitor> void fields(Visitor visit) { visit(show); }
 };
 
-// What the editor takes: 0 any text, 1 numbers. The shift of the title strip comes as mode 2.
+// What the editor takes: 0 any text, 1 numbers, 3 what nobody may learn or show. The shift of the title strip comes as
+// mode 2.
 struct TYX_EXPORT SetInputModeCmd : IMStateCmd {
     TYX_IM_COMMAND(SetInputModeCmd, SetInputMode)
-    enum Mode { Text = 0, Numbers = 1, NextShift = 2 };
+    enum Mode { Text = 0, Numbers = 1, NextShift = 2, Secret = 3 };
     qint32 mode = Text;
     template <typename Visitor> void fields(Visitor visit) { visit(mode); }
 };

@@ -480,6 +480,8 @@ void ZIMServer::showInputWidget(const Owner &owner, int show, int inputType)
     if (d->wanted && before.editor != 0 && before.channel != owner.channel)
         QCopChannel::send(before.channel, messages::kHideInputWidget, wire::pack(before.editor, before.window, 0));
     setInputMethodOwner(owner.editor, d->owner.window, applicationOf(owner.channel));
+    if (owner.editor != before.editor)
+        d->state.setEditContext({}, 0, 0); // of the one before; this one tells its own when it is shown
     d->inputType = inputType;
     showKbd();
 }
