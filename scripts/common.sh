@@ -10,10 +10,11 @@ die() { echo "${0##*/}: $*" >&2; exit 3; }
 build_packages=(cmake ninja-build python3 g++ pkg-config extra-cmake-modules libcli11-dev libexpected-dev
   qt6-base-dev qt6-base-private-dev qt6-wayland-dev qt6-wayland-dev-tools libwayland-dev
   qt6-declarative-dev libqt6opengl6-dev libgl-dev libegl-dev qt6-l10n-tools python3-cairo
-  libasound2-dev libsndfile1-dev)
+  libasound2-dev libsndfile1-dev libmarisa-dev
+  wamerican wngerman wfrench hunspell-ru hunspell-tools fortunes fortunes-de fortunes-ru manpages-fr)
 # What a phone needs at run time; linguist-qt6 is the ready-made program that runs on it beside our own.
 phone_packages=(bubblewrap util-linux qt6-wayland qt6-qpa-plugins xkb-data fonts-dejavu-core fontconfig linguist-qt6
-  libasound2 libasound2-data libsndfile1)
+  libasound2 libasound2-data libsndfile1 libmarisa0)
 test_packages=(strace python3 xvfb xauth)
 check_packages=(clang-16 clang-tidy-16 clang-format-16 libclang-rt-16-dev git python3)
 # The peers that the benchmarks run beside us.
