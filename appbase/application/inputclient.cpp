@@ -65,6 +65,23 @@ QWidget *typedInto()
     return popup->focusWidget() ? popup->focusWidget() : popup;
 }
 
+// The user went there by keys. A focus that the application gives, at its start for instance, asks for nothing.
+bool isReachedByKey(const QFocusEvent &event)
+{
+    return event.reason() == Qt::TabFocusReason || event.reason() == Qt::BacktabFocusReason
+        || event.reason() == Qt::ShortcutFocusReason;
+}
+
+// Whether the user is about to write: the pen came up in the editor, or the keypad went there.
+bool asksForInput(const QWidget &editor, const QEvent &event)
+{
+    if (isReadOnly(editor))
+        return false;
+    if (event.type() == QEvent::FocusIn)
+        return isReachedByKey(static_cast<const QFocusEvent &>(event));
+    return event.type() == QEvent::MouseButtonRelease && editor.hasFocus();
+}
+
 ZMainWidget *activeMainWidget() { return qobject_cast<ZMainWidget *>(QApplication::activeWindow()); }
 
 }
@@ -89,7 +106,7 @@ int InputClient::registerEditor(QWidget *editor)
     tellServer(*editor, *m_editors.insert(editor, {id, 0}));
     connect(editor, &QObject::destroyed, this, &InputClient::unregisterEditor);
     editor->installEventFilter(this);
-    if (const auto *area = qobject_cast<QAbstractScrollArea *>(editor))
+    if (const auto *area = qobject_cast<QAbstractScrollArea *>(editor)) // the pen is on what scrolls
         area->viewport()->installEventFilter(this);
     return id;
 }
@@ -136,16 +153,14 @@ void InputClient::tellServer(const QWidget &editor, Registration &registration)
 // A window has no identifier before it is first shown, and an editor may move to another window.
 bool InputClient::eventFilter(QObject *watched, QEvent *event)
 {
-    auto known = m_editors.find(watched);
-    const bool isPen = event->type() == QEvent::MouseButtonRelease;
-    if (known == m_editors.end() && isPen) // what scrolls gets the pen on its viewport
-        known = m_editors.find(watched->parent());
+    const bool release = event->type() == QEvent::MouseButtonRelease;
+    const auto known = m_editors.find(release && !m_editors.contains(watched) ? watched->parent() : watched);
     if (known == m_editors.end())
         return false;
     const auto &editor = static_cast<const QWidget &>(*known.key());
     if (event->type() == QEvent::Show && known->window != QWSApplication::windowId(&editor))
         tellServer(editor, *known);
-    else if (isPen && editor.hasFocus() && !isReadOnly(editor))
+    else if (asksForInput(editor, *event))
         requestInputWidget(editor, *known, true);
     else if (event->type() == QEvent::KeyRelease)
         publishContext();
@@ -154,7 +169,7 @@ bool InputClient::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
-// The pen asks for it; an application that starts with the focus in an editor does not hide half of itself.
+// An application that starts with the focus in an editor does not hide half of itself.
 void InputClient::requestInputWidget(const QWidget &editor, const Registration &registration, bool show)
 {
     sendToServer(messages::kShowInputWidget,

@@ -12,6 +12,7 @@
 #include <QDialog>
 #include <QFile>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QProcess>
 #include <QScreen>
 #include <QSignalSpy>
@@ -197,6 +198,7 @@ private Q_SLOTS:
     void noMessageIsForgotten();
     void editorsAreRegisteredWhileTheyLive();
     void editorsOfDeadApplicationsAreForgotten();
+    void whoIsAboutToWriteGetsTheInputWidget();
     void unconfirmedTextIsNotLost();
     void receiversMayGo();
     void theEditorStaysAboveTheInputWidget();
@@ -450,6 +452,38 @@ void TstZApplication::editorsOfDeadApplicationsAreForgotten()
     m_server.appendEditor(7, kChannel);
     m_server.showInputWidgetAux(7, 0, 1, 0);
     QCOMPARE(seen.mid(1), QStringList{QStringLiteral("show 7 0 tst 1 0")});
+}
+
+void TstZApplication::whoIsAboutToWriteGetsTheInputWidget()
+{
+    QPlainTextEdit area;
+    const int id = m_app.registerEditor(&area);
+    area.show();
+    QVERIFY(QTest::qWaitForWindowActive(&area));
+    QStringList seen;
+    const Recorder recorder(m_app, *m_field, seen);
+    const auto asked = [&](int editor, const QWidget &widget, int show) {
+        return QStringLiteral("server %1 %2")
+            .arg(QLatin1String(messages::kShowInputWidget),
+                QLatin1String(wire::pack(editor, QWSApplication::windowId(&widget), show, QUuid(), 0).toHex()));
+    };
+    QFocusEvent byProgram(QEvent::FocusIn, Qt::OtherFocusReason);
+    QFocusEvent byKey(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(&area, &byProgram);
+    QTest::mouseClick(area.viewport(), Qt::LeftButton);
+    QApplication::sendEvent(&area, &byKey);
+    area.setReadOnly(true);
+    QTest::mouseClick(area.viewport(), Qt::LeftButton);
+    QApplication::sendEvent(&area, &byKey);
+    m_app.unregisterEditor(&area);
+    QTest::mouseClick(area.viewport(), Qt::LeftButton);
+    const QString last = QStringLiteral("server %1 %2")
+                             .arg(QLatin1String(messages::kUnregisterEditor), QLatin1String(wire::pack(id).toHex()));
+    QTRY_VERIFY(seen.contains(last));
+    QCOMPARE(seen, (QStringList{asked(id, area, 1), asked(id, area, 1), last}));
+    area.close();
+    m_window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&m_window));
 }
 
 void TstZApplication::unconfirmedTextIsNotLost()
