@@ -1,6 +1,7 @@
 #include "appbase/application/themepaths.h"
 
 #include "res/share/util_shareimage.h"
+#include "res/skin/skinshare.h"
 #include "res/skin/util_skinfilereader.h"
 #include "settings/status/systemstatus.h"
 
@@ -50,10 +51,8 @@ void publishThemePaths(const ThemePaths &paths)
 
 bool shareSkin(const QString &file)
 {
-    UTIL_SkinFileReader skin;
     QPixmap image;
-    return skin.setFileName(file) && UTIL_SkinFileReader::pSkinImage != nullptr
-        && UTIL_SkinFileReader::pSkinImage->getImage(image) && !image.isNull();
+    return res::shareSkin(file) && UTIL_SkinFileReader::pSkinImage->getImage(image) && !image.isNull();
 }
 
 void keepSkin(const QString &file)

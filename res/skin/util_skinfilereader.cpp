@@ -5,6 +5,7 @@
 #include "res/share/util_shareimage.h"
 #include "res/skin/skincut.h"
 #include "res/skin/skinfile.h"
+#include "res/skin/skinshare.h"
 
 #include <QBitmap>
 #include <QFile>
@@ -56,23 +57,6 @@ private:
     QBitmap m_mask;
 };
 
-// The atlas is stored by whoever comes first, or by who wants another one.
-void share(UTIL_ShareImage &shared, QByteArrayView image, bool reload)
-{
-    if (reload)
-        say("shared image should be reload, create new one");
-    const auto length = static_cast<unsigned int>(image.size());
-    if (!shared.exists()) {
-        say("creating new share image");
-        shared.create(image.data(), length);
-        say("create new share image done");
-    } else if (reload) {
-        say("setting image data");
-        shared.set(image.data(), length);
-        say("set image data done");
-    }
-}
-
 }
 
 std::optional<res::ImageRect> UTIL_SkinFileReader::Data::rectOf(const QString &id) const
@@ -113,9 +97,7 @@ bool UTIL_SkinFileReader::load(bool reload)
     d->error = !file;
     if (!file)
         return false;
-    if (!pSkinImage)
-        pSkinImage = new UTIL_ShareImage(QStringLiteral("SkinImage"));
-    share(*pSkinImage, file->image(), reload);
+    res::shareImageOf(*file, reload);
     d->file = std::move(file);
     return true;
 }
