@@ -1,5 +1,7 @@
 #include "editor/text/rowbreaker.h"
 
+#include "editor/text/graphemes.h"
+
 #include <QFontMetricsF>
 #include <QTextBoundaryFinder>
 #include <cmath>
@@ -22,6 +24,31 @@ bool mayBePlain(char16_t c)
     if (c < 0xC0)
         return c > 0xA0 && c != 0xAD;
     return c < 0x300 || (c >= 0x370 && QChar(c).isLetter());
+}
+
+// Whether it runs from right to left, or makes what follows do so.
+bool mayTurn(QChar c)
+{
+    if (c.unicode() < 0x590)
+        return false;
+    if (c.isHighSurrogate()) // of the scripts at U+10800 and U+1E800
+        return c.unicode() == 0xD802 || c.unicode() == 0xD803 || c.unicode() == 0xD83A || c.unicode() == 0xD83B;
+    switch (c.direction()) {
+    case QChar::DirL:
+    case QChar::DirEN:
+    case QChar::DirES:
+    case QChar::DirET:
+    case QChar::DirCS:
+    case QChar::DirNSM:
+    case QChar::DirBN:
+    case QChar::DirB:
+    case QChar::DirS:
+    case QChar::DirWS:
+    case QChar::DirON:
+        return false;
+    default:
+        return true;
+    }
 }
 
 bool isWordCharacter(QChar c) { return (c < QChar(0x7F) && c.isLetterOrNumber()) || c >= QChar(0xC0); }
@@ -121,11 +148,85 @@ ParagraphRows RowBreaker::rows(const QString &paragraph) const
     if (plainRows(text, rows))
         return rows;
     rows.clear();
-    const auto layout = layOut(text);
-    for (int i = 0; i < layout->lineCount(); ++i) {
-        const QTextLine line = layout->lineAt(i);
-        rows.append({line.textStart() + line.textLength(), int(std::ceil(line.naturalTextWidth()))});
+    const bool cut = mayCut(text);
+    int from = 0;
+    do
+        from = layStretch(text, from, cut, rows);
+    while (from < text.size());
+    return rows;
+}
+
+bool RowBreaker::mayCut(QStringView shown) const
+{
+    return shown.size() >= 2 * kStretch && m_rules.wrap != RowWrap::None
+        && std::none_of(shown.begin(), shown.end(), mayTurn);
+}
+
+// At a letter behind a space, or among ideographs, which are not joined.
+bool RowBreaker::beginsAfresh(QStringView shown, int column)
+{
+    if (column <= 0 || column >= shown.size())
+        return false;
+    const QChar before = shown[column - 1];
+    const QChar letter = shown[column];
+    if (before == u' ')
+        return letter.isLetter() && letter.script() > QChar::Script_Common;
+    return graphemes::charClass(letter.unicode()) == graphemes::Ideograph
+        && graphemes::charClass(before.unicode()) == graphemes::Ideograph && !letter.isMark();
+}
+
+// Appends the rows that are certain, at least one, and answers where they end.
+int RowBreaker::layStretch(const QString &text, int from, bool cut, ParagraphRows &rows) const
+{
+    for (qsizetype length = cut ? kStretch : text.size();; length *= 2) {
+        const bool whole = from + length >= text.size();
+        const auto layout = from == 0 && whole ? layOut(text) : layOut(text.mid(from, length));
+        int count = layout->lineCount();
+        const auto end = [&](int row) {
+            return from + layout->lineAt(row).textStart() + layout->lineAt(row).textLength();
+        };
+        if (!whole) {
+            count -= 2; // the last row is cut off, and the one before it may have had room for what followed
+            while (count > 0 && !beginsAfresh(text, end(count - 1)))
+                --count;
+            if (count <= 0)
+                continue;
+        }
+        for (int i = 0; i < count; ++i)
+            rows.append({end(i), int(std::ceil(layout->lineAt(i).naturalTextWidth()))});
+        return whole ? int(text.size()) : end(count - 1);
     }
+}
+
+ParagraphRows RowBreaker::rowsAgain(const QString &shown, const ParagraphRows &old, Kept kept) const
+{
+    // A word that became shorter may fit into the row before.
+    const auto changed =
+        std::partition_point(old.begin(), old.end(), [&](const RowEnd &row) { return row.end <= kept.before; });
+    auto first = int(std::max<qsizetype>(0, changed - old.begin() - 2));
+    while (first > 0 && !beginsAfresh(shown, old[first - 1].end))
+        --first;
+    ParagraphRows rows;
+    rows.append(old.data(), first);
+    const int moved = int(shown.size()) - old.back().end;
+    int from = first > 0 ? old[first - 1].end : 0;
+    do {
+        qsizetype i = rows.size();
+        from = layStretch(shown, from, true, rows);
+        for (; i < rows.size(); ++i) {
+            const int end = rows[i].end;
+            if (end <= shown.size() - kept.behind || !beginsAfresh(shown, end))
+                continue;
+            auto same =
+                std::partition_point(old.begin(), old.end(), [&](const RowEnd &row) { return row.end + moved < end; });
+            if (same == old.end() || same->end + moved != end)
+                continue;
+            rows.resize(i + 1);
+            while (++same != old.end())
+                rows.append({same->end + moved, same->width});
+            return rows;
+        }
+    } while (from < shown.size());
     return rows;
 }
 
@@ -296,9 +397,9 @@ void RowBreaker::fillColumns(QTextLayout &layout, QTextLine &line) const
     layout.setTextOption(option);
 }
 
-std::unique_ptr<QTextLayout> RowBreaker::layOut(const QString &paragraph) const
+std::unique_ptr<QTextLayout> RowBreaker::layOut(const QString &text) const
 {
-    auto layout = std::make_unique<QTextLayout>(paragraph, m_rules.font);
+    auto layout = std::make_unique<QTextLayout>(text, m_rules.font);
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
     option.setTabStopDistance(std::max(1, m_rules.tabStop));
     option.setWrapMode(m_rules.wrap == RowWrap::None ? QTextOption::ManualWrap

@@ -53,8 +53,23 @@ public:
     [[nodiscard]] qreal plainWidth(QStringView text) const;
     [[nodiscard]] int plainColumn(QStringView text, qreal x) const; // the nearest border between two characters
 
-    // Of any other text: all rows, each in the place where it would be if the paragraph stood alone.
-    [[nodiscard]] std::unique_ptr<QTextLayout> layOut(const QString &paragraph) const;
+    // Of any other text: all rows, each in the place where it would be if the text stood alone.
+    [[nodiscard]] std::unique_ptr<QTextLayout> layOut(const QString &text) const;
+
+    // A long paragraph of such text is laid out in stretches, when none of it runs from right to left: a row that
+    // begins afresh does not depend on what stands before it, and so do those below.
+    static constexpr int kStretch = 2048; // units: some 50 rows of a phone; what a key in a long paragraph costs
+    [[nodiscard]] bool mayCut(QStringView shown) const;
+    static bool beginsAfresh(QStringView shown, int column);
+
+    // What a change left alone: the units before it and those behind it.
+    struct Kept {
+        int before;
+        int behind;
+    };
+    // The rows of a paragraph that had `old` rows: only those are laid out that the change can have moved. Both texts
+    // may be cut.
+    [[nodiscard]] ParagraphRows rowsAgain(const QString &shown, const ParagraphRows &old, Kept kept) const;
 
 private:
     struct Row;
@@ -65,6 +80,7 @@ private:
     bool extend(Row &row, QStringView text, int end, int width) const;
     void breakWord(QStringView text, Row &row) const;
     [[nodiscard]] QStringView surroundings(QStringView text, int column, int room) const;
+    int layStretch(const QString &text, int from, bool cut, ParagraphRows &rows) const;
     void fillColumns(QTextLayout &layout, QTextLine &line) const;
     [[nodiscard]] int advance(QChar c) const; // in units of the table, or 1; negative: not plain
     [[nodiscard]] int overhang(QChar last) const;

@@ -12,7 +12,7 @@ bool RowLayout::setRules(const RowRules &rules)
     if (same && RowBreaker::adapted(rules.font) == m_breaker.font())
         return false;
     m_breaker.setRules(rules);
-    m_layouts.clear();
+    forgetAll();
     int paragraph = 0;
     m_rows.changeAll([&](Rows &rows) { rows = broken(paragraph++); });
     return true;
@@ -20,7 +20,7 @@ bool RowLayout::setRules(const RowRules &rules)
 
 void RowLayout::reset()
 {
-    m_layouts.clear();
+    forgetAll();
     m_composition = {};
     m_composing = -1;
     std::vector<Rows> rows;
@@ -36,15 +36,16 @@ RowLayout::Damage RowLayout::update(const TextModel::Change &change, int column)
     const int before = rows();
     if (change.removed == 1 && change.added == 1) {
         const ParagraphRows old = m_rows.at(change.paragraph).ends;
-        const bool plain =
-            !m_layouts.contains(change.paragraph) && m_breaker.isPlain(m_model.paragraph(change.paragraph));
-        rebreak(change.paragraph);
+        const QString &text = m_model.paragraph(change.paragraph);
+        const bool plain = !forgetStretches(change.paragraph) && m_breaker.isPlain(text);
+        const int kept = int(std::min<qsizetype>(text.size(), old.back().end));
+        rebreak(change.paragraph, {column, kept - column});
         const ParagraphRows &now = m_rows.at(change.paragraph).ends;
         if (rows() != before)
             return {first, std::numeric_limits<int>::max()};
         return plain ? differing(old, now, column, first) : Damage{first, first + int(now.size()) - 1};
     }
-    m_layouts.clear();
+    forgetAll();
     std::vector<Rows> added;
     added.reserve(size_t(change.added));
     for (int i = 0; i < change.added; ++i)
@@ -67,10 +68,45 @@ RowLayout::Damage RowLayout::differing(const ParagraphRows &old, const Paragraph
     return {first + int(from), first + int(to)};
 }
 
-void RowLayout::rebreak(int paragraph)
+void RowLayout::forgetAll()
 {
-    m_layouts.remove(paragraph);
-    m_rows.change(paragraph, 1, [&](Rows &rows) { rows = broken(paragraph); });
+    m_stretches.clear();
+    m_long = {};
+}
+
+bool RowLayout::forgetStretches(int paragraph)
+{
+    bool any = false;
+    for (const StretchKey &key : m_stretches.keys())
+        any |= key.first == paragraph && m_stretches.remove(key);
+    return any;
+}
+
+void RowLayout::rebreak(int paragraph) { rebreak(paragraph, {0, 0}); }
+
+void RowLayout::rebreak(int paragraph, RowBreaker::Kept kept)
+{
+    const bool couldCut = m_long.paragraph == paragraph && m_long.mayCut;
+    forgetStretches(paragraph);
+    m_long = {};
+    const bool again = mayCut(paragraph) && couldCut;
+    m_rows.change(paragraph, 1, [&](Rows &rows) {
+        if (again)
+            rows.ends = m_breaker.rowsAgain(m_breaker.shown(shownText(paragraph)), rows.ends, kept);
+        else
+            rows = broken(paragraph);
+    });
+}
+
+bool RowLayout::mayCut(int paragraph) const
+{
+    if (m_long.paragraph != paragraph) {
+        const QString text = m_breaker.shown(shownText(paragraph));
+        if (text.size() < 2 * RowBreaker::kStretch)
+            return false;
+        m_long = {paragraph, !m_breaker.isPlain(text) && m_breaker.mayCut(text)};
+    }
+    return m_long.mayCut;
 }
 
 bool RowLayout::setComposition(const Composition &composition)
@@ -78,13 +114,22 @@ bool RowLayout::setComposition(const Composition &composition)
     if (composition == m_composition)
         return false;
     const int before = m_composing;
+    const TextModel::Place old = m_model.place(m_composition.offset);
+    const TextModel::Place place = m_model.place(composition.offset);
     m_composition = composition;
-    m_composing = composition.text.isEmpty() ? -1 : m_model.place(composition.offset).paragraph;
-    for (const int paragraph : {before, m_composing}) {
-        if (paragraph >= 0 && paragraph < m_rows.size())
-            rebreak(paragraph);
-    }
+    m_composing = composition.text.isEmpty() ? -1 : place.paragraph;
+    if (before >= 0 && before < m_rows.size())
+        recompose(before, m_composing == before ? std::min(old.column, place.column) : old.column,
+            m_composing == before ? std::max(old.column, place.column) : old.column);
+    if (m_composing >= 0 && m_composing != before)
+        recompose(m_composing, place.column, place.column);
     return true;
+}
+
+// Between these columns something that is not confirmed came or went.
+void RowLayout::recompose(int paragraph, int from, int to)
+{
+    rebreak(paragraph, {from, int(m_model.paragraph(paragraph).size()) - to});
 }
 
 bool RowLayout::isComposing(int paragraph) const { return paragraph == m_composing; }
@@ -154,15 +199,28 @@ int RowLayout::offset(Cell cell) const
     return startOffset(at) + std::clamp(cell.column, 0, at.end - at.start);
 }
 
-QTextLayout *RowLayout::layoutOf(int paragraph) const
+// Of a paragraph that may be cut, as many rows as fill a screen or two.
+const RowLayout::Stretch &RowLayout::stretchOf(const Row &row) const
 {
-    if (QTextLayout *known = m_layouts.object(paragraph))
-        return known;
-    const QString text = m_breaker.shown(shownText(paragraph));
-    auto layout = m_breaker.layOut(text);
-    QTextLayout *made = layout.get();
-    m_layouts.insert(paragraph, layout.release());
-    return made;
+    constexpr int kRows = 32;
+    const bool whole = !mayCut(row.paragraph);
+    const StretchKey key{row.paragraph, whole ? 0 : row.index / kRows};
+    if (const Stretch *known = m_stretches.object(key))
+        return *known;
+    const QString text = m_breaker.shown(shownText(row.paragraph));
+    const ParagraphRows &ends = m_rows.at(row.paragraph).ends;
+    auto first = key.second * kRows;
+    auto last = whole ? int(ends.size()) : std::min(first + kRows, int(ends.size()));
+    while (first > 0 && !RowBreaker::beginsAfresh(text, ends[first - 1].end))
+        --first;
+    while (last < ends.size() && !RowBreaker::beginsAfresh(text, ends[last - 1].end))
+        ++last;
+    const int start = first == 0 ? 0 : ends[first - 1].end;
+    const int end = ends[std::min(last, int(ends.size()) - 1)].end; // one row more: the end of a text has its own rules
+    auto layout = m_breaker.layOut(text.mid(start, end - start));
+    auto *made = new Stretch{std::move(layout), start, first};
+    m_stretches.insert(key, made);
+    return *made;
 }
 
 int RowLayout::shownStart(const Row &row) const
@@ -179,7 +237,8 @@ qreal RowLayout::shownX(const Row &row, int column) const
     const QStringView part = QStringView(text).mid(start, std::max(0, column - start));
     if (m_breaker.isPlain(text))
         return m_breaker.plainWidth(part);
-    return layoutOf(row.paragraph)->lineAt(row.index).cursorToX(column);
+    const Stretch &stretch = stretchOf(row);
+    return stretch.layout->lineAt(row.index - stretch.row).cursorToX(column - stretch.start);
 }
 
 qreal RowLayout::x(Cell cell) const
@@ -210,9 +269,13 @@ int RowLayout::columnAt(int row, qreal x) const
     const QString text = m_breaker.shown(shownText(at.paragraph));
     const int start = shownStart(at);
     const int end = m_rows.at(at.paragraph).ends[at.index].end;
-    const int shown = m_breaker.isPlain(text)
-        ? start + m_breaker.plainColumn(QStringView(text).mid(start, end - start), x)
-        : layoutOf(at.paragraph)->lineAt(at.index).xToCursor(x);
+    int shown = 0;
+    if (m_breaker.isPlain(text)) {
+        shown = start + m_breaker.plainColumn(QStringView(text).mid(start, end - start), x);
+    } else {
+        const Stretch &stretch = stretchOf(at);
+        shown = stretch.start + stretch.layout->lineAt(at.index - stretch.row).xToCursor(x);
+    }
     return std::clamp(textColumn(at.paragraph, shown), at.start, at.end) - at.start;
 }
 
@@ -231,5 +294,6 @@ RowLayout::Drawing RowLayout::drawing(int row) const
     const int start = shownStart(at);
     if (m_breaker.isPlain(text))
         return {text.mid(start, m_rows.at(at.paragraph).ends[at.index].end - start), nullptr, start};
-    return {{}, layoutOf(at.paragraph), start};
+    const Stretch &stretch = stretchOf(at);
+    return {{}, stretch.layout.get(), stretch.start, at.index - stretch.row};
 }

@@ -42,7 +42,7 @@ public:
         int first;
         int last;
     };
-    Damage update(const TextModel::Change &change, int column = 0); // `column`: where the paragraph begins to differ
+    Damage update(const TextModel::Change &change, int column); // where the first paragraph begins to differ
     void rebreak(int paragraph); // breaks it anew; changes nothing unless something is wrong
 
     bool setComposition(const Composition &composition); // an empty text takes it away; false: it is the same
@@ -65,12 +65,13 @@ public:
     [[nodiscard]] int columnAt(int row, qreal x) const;
     [[nodiscard]] bool isRightToLeft(int paragraph) const;
 
-    // For drawing: what is shown of a row, or the layout of its paragraph when its text is not plain (valid until the
-    // next call of anything here). `start` is where the row's text begins in that layout.
+    // For drawing: what is shown of a row, or a layout with it among others when its text is not plain (valid until the
+    // next call of anything here). Columns are those of the paragraph as it is shown.
     struct Drawing {
         QString plain;
-        QTextLayout *layout = nullptr;
-        int start = 0;
+        const QTextLayout *layout = nullptr;
+        int start = 0; // of the row, or of the layout
+        int line = 0; // in the layout
     };
     [[nodiscard]] Drawing drawing(int row) const;
     // Columns of the paragraph as the layout of the drawing counts them.
@@ -93,7 +94,18 @@ private:
     [[nodiscard]] QString shownText(int paragraph) const;
     [[nodiscard]] bool isComposing(int paragraph) const;
     [[nodiscard]] int textColumn(int paragraph, int shown) const;
-    [[nodiscard]] QTextLayout *layoutOf(int paragraph) const;
+    struct Stretch { // of a paragraph: a few rows that were laid out together
+        std::unique_ptr<QTextLayout> layout;
+        int start; // column
+        int row; // in the paragraph
+    };
+    using StretchKey = std::pair<int, int>; // paragraph; which of its stretches
+    [[nodiscard]] const Stretch &stretchOf(const Row &row) const;
+    bool mayCut(int paragraph) const;
+    bool forgetStretches(int paragraph); // whether there were any
+    void rebreak(int paragraph, RowBreaker::Kept kept);
+    void forgetAll();
+    void recompose(int paragraph, int from, int to);
     [[nodiscard]] int shownStart(const Row &row) const;
     [[nodiscard]] qreal shownX(const Row &row, int column) const;
 
@@ -102,5 +114,10 @@ private:
     MeasuredList<Rows> m_rows; // one element a paragraph
     Composition m_composition;
     int m_composing = -1; // its paragraph
-    mutable QCache<int, QTextLayout> m_layouts{16}; // of paragraphs that are not plain
+    mutable QCache<StretchKey, Stretch> m_stretches{16}; // of paragraphs that are not plain
+    struct Long {
+        int paragraph = -1;
+        bool mayCut = false;
+    };
+    mutable Long m_long; // the long paragraph that was last asked for: whether it may be cut takes a look at all of it
 };

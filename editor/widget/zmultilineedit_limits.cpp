@@ -60,10 +60,11 @@ bool ZMultiLineData::fits(int offset, const QString &added)
         return true;
     dropComposition();
     const int rows = layout.rows();
+    const int column = text.place(offset).column;
     const TextModel::Change change = text.insert(offset, added);
-    layout.update(change);
+    layout.update(change, column);
     const bool fit = isWithinRows(change, rows);
-    layout.update(text.remove(offset, offset + int(added.size())));
+    layout.update(text.remove(offset, offset + int(added.size())), column);
     return fit;
 }
 

@@ -137,20 +137,21 @@ void ZMultiLineData::paintPlain(QPainter &painter, int row, const RowLayout::Dra
 
 void ZMultiLineData::paintLaidOut(QPainter &painter, int row, const RowLayout::Drawing &drawing)
 {
-    const int index = layout.row(row).index;
     const int height = layout.breaker().rowHeight();
-    const QPointF origin(rowLeft(row), rowTop(row) - index * height);
+    const QPointF origin(rowLeft(row), rowTop(row) - drawing.line * height);
+    const int end = drawing.start + int(drawing.layout->text().size());
     QList<QTextLayout::FormatRange> formats;
     if (isMarked()) {
-        if (const Columns marked = shown(*this, row, from(), to()); !marked.isEmpty()) {
-            QTextLayout::FormatRange range{marked.from, marked.to - marked.from, {}};
+        const Columns marked = shown(*this, row, from(), to()).within(drawing.start, end);
+        if (!marked.isEmpty()) {
+            QTextLayout::FormatRange range{marked.from - drawing.start, marked.to - marked.from, {}};
             range.format.setBackground(editor.palette().highlight());
             range.format.setForeground(editor.palette().highlightedText());
             formats.append(range);
         }
     }
-    if (const Columns composition = composed(*this, row); !composition.isEmpty()) {
-        QTextLayout::FormatRange range{composition.from, composition.to - composition.from, {}};
+    if (const Columns composition = composed(*this, row).within(drawing.start, end); !composition.isEmpty()) {
+        QTextLayout::FormatRange range{composition.from - drawing.start, composition.to - composition.from, {}};
         range.format.setUnderlineStyle(QTextCharFormat::SingleUnderline);
         formats.append(range);
     }

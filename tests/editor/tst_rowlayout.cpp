@@ -6,6 +6,7 @@
 #include <QFontDatabase>
 #include <QRandomGenerator>
 #include <QTest>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -56,6 +57,8 @@ private Q_SLOTS:
     void tableAgreesWithToolkit_data();
     void tableAgreesWithToolkit();
     void changesGiveTheRowsOfTheWholeText();
+    void longParagraphsHaveTheRowsOfTheirWhole_data();
+    void longParagraphsHaveTheRowsOfTheirWhole();
     void charactersAreNeverSplit();
 };
 
@@ -131,8 +134,9 @@ void TstRowLayout::changesGiveTheRowsOfTheWholeText()
         const int to = dice.bounded(3) ? from : std::min(int(text.size()), from + dice.bounded(80));
         const QString added = random(dice, alphabet, dice.bounded(60));
         text.replace(from, to - from, added);
-        layout.update(model.remove(from, to));
-        layout.update(model.insert(from, added));
+        const int column = model.place(from).column;
+        layout.update(model.remove(from, to), column);
+        layout.update(model.insert(from, added), column);
         QCOMPARE(model.text(), text);
         if (i % 100 != 0)
             continue;
@@ -150,6 +154,50 @@ void TstRowLayout::changesGiveTheRowsOfTheWholeText()
             QCOMPARE(model.text(offset, offset + at.end - at.start), layout.text(at));
             if (layout.breaker().isPlain(model.paragraph(at.paragraph)))
                 QCOMPARE(layout.columnAt(row, layout.x({row, 0})), 0);
+        }
+    }
+}
+
+void TstRowLayout::longParagraphsHaveTheRowsOfTheirWhole_data()
+{
+    QTest::addColumn<QString>("alphabet");
+    QTest::newRow("accents") << u"abc de\u0301f ghi\t, jkl\U0001F600 1-2 "_s;
+    QTest::newRow("both directions") << u"abc \u05D0\u05D1\u05D2 12, (def) \u05D3 "_s;
+    QTest::newRow("from right to left") << u"\u0627\u0644\u0628 \u062C 12, (de) "_s;
+    QTest::newRow("ideographs") << u"\u65E5\u672C\u8A9E\u3002\u6F22\u5B57 a1"_s;
+    QTest::newRow("hardly a space") << u"\u0E01\u0E02\u0E04abc\u0301"_s.repeated(20) + u' ';
+    QTest::newRow("embedded directions") << u"abc d\u0301 \u05D0\u05D1 12 "_s.repeated(50) + u"\u202B\u202C"_s;
+}
+
+void TstRowLayout::longParagraphsHaveTheRowsOfTheirWhole()
+{
+    QFETCH(QString, alphabet);
+    QRandomGenerator dice(7);
+    for (const bool anywhere : {false, true}) {
+        QString text = alphabet.first(3) + random(dice, alphabet, 3 * RowBreaker::kStretch);
+        TextModel model;
+        model.setText(text);
+        RowLayout layout(model, {QFont(u"DejaVu Sans"_s, 9), RowWrap::Pixels, 200, anywhere});
+        for (int i = 0; i < 12; ++i) {
+            const auto whole = layout.breaker().layOut(text);
+            QCOMPARE(layout.rows(), whole->lineCount());
+            for (int row = 0; row < layout.rows(); ++row) {
+                const RowLayout::Row at = layout.row(row);
+                const QTextLine line = whole->lineAt(row);
+                QCOMPARE(at.end, line.textStart() + line.textLength());
+                QCOMPARE(at.width, int(std::ceil(line.naturalTextWidth())));
+                const int middle = (at.end - at.start) / 2;
+                QCOMPARE(layout.x({row, middle}), line.cursorToX(at.start + middle));
+                QCOMPARE(layout.columnAt(row, 33), line.xToCursor(33) - at.start);
+            }
+            const int column = dice.bounded(int(text.size()));
+            const int to = dice.bounded(2) ? column : std::min(int(text.size()), column + dice.bounded(90));
+            const QString added = random(dice, alphabet, dice.bounded(60));
+            text.replace(column, to - column, added);
+            layout.update(model.remove(column, to), column);
+            layout.update(model.insert(column, added), column);
+            layout.setComposition({dice.bounded(int(text.size())), added, 0});
+            layout.setComposition({});
         }
     }
 }
