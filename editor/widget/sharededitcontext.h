@@ -18,6 +18,7 @@ public:
         QPoint cursor; // on the screen
     };
 
+    [[nodiscard]] bool isWanted(); // asked for anew whenever the focus comes; nothing is published unless it is
     void publish(const Context &context);
     // When the focus goes. What the next editor, of another process, has published meanwhile stays.
     void withdraw();
@@ -25,5 +26,6 @@ public:
 private:
     // Attached while the editor has the focus only: a GUI server that comes back has another state.
     std::optional<ZInputMethodState> m_state;
+    bool m_connected = false;
     ZInputMethodEditContext m_published;
 };

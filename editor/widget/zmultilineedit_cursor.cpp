@@ -1,5 +1,4 @@
 // The cursor and what is marked.
-#include "editor/text/graphemes.h"
 #include "editor/widget/zmultilineedit_p.h"
 
 #include <QScrollBar>

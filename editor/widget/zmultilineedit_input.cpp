@@ -134,6 +134,8 @@ void ZMultiLineData::publishContext()
             predictable ? at.column : 0, onScreen, predictable});
     if (!focused || !predictable)
         return sharedContext.withdraw();
+    if (!sharedContext.isWanted())
+        return;
     constexpr int kAround = 3; // paragraphs; more would hardly have room
     const int first = std::max(0, at.paragraph - kAround);
     const int last = std::min(text.paragraphs() - 1, at.paragraph + kAround);
@@ -177,6 +179,8 @@ void ZMultiLineEdit::focusOutEvent(QFocusEvent *event)
     d->cursorOn = false;
     stopAutoScroll();
     d->dragMarking = d->dndPending = false;
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+        d->touch.end();
     d->damageAll();
     d->publishContext();
 }

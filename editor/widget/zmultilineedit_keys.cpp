@@ -165,6 +165,7 @@ void ZMultiLineEdit::keyPressEvent(QKeyEvent *event)
     const Operation operation(*d); // textChanged() comes at most once, at its end
     const int key = event->key();
     const bool mark = event->modifiers() & Qt::ShiftModifier;
+    d->touch.end();
     event->accept();
     if (!d->readOnly && !isMotion(key) && !event->text().isEmpty() && !isValidChar(event->text().front()))
         return;

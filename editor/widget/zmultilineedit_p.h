@@ -6,6 +6,7 @@
 #include "editor/text/rowlayout.h"
 #include "editor/text/textmodel.h"
 #include "editor/widget/sharededitcontext.h"
+#include "editor/widget/touchselection.h"
 #include "editor/widget/zmultilineedit.h"
 
 #include <QElapsedTimer>
@@ -73,6 +74,8 @@ public:
     };
     void moveCursor(const Motion &motion);
     void moveRows(int rows, bool mark);
+    void markTo(QPoint place); // in the viewport; outside, the text scrolls
+    void markWordAt(QPoint place);
     void mark(int from, int to); // the cursor goes to `to`
     void unmark();
 
@@ -128,8 +131,10 @@ public:
     void publishContext();
     void blinkAgain();
     void popup(QPoint place);
+    void markHeld(QPoint place);
     void startDrag();
     void scrollStep();
+    void stopScrolling() { editor.stopAutoScroll(); }
     [[nodiscard]] bool overMarked(QPoint place) const;
 
     // Drawing, in zmultilineedit_paint.cpp.
@@ -190,6 +195,7 @@ public:
     QPointer<QMenu> menu; // while it is open
     QPoint dragStart;
     QPoint pointer; // in the viewport
+    TouchSelection touch{*this};
     QTimer blinkTimer;
     QTimer scrollTimer;
     QTimer dndTimer;

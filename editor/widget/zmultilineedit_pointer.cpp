@@ -1,8 +1,8 @@
 // The pen and the mouse: placing the cursor, marking, scrolling at the edges.
-#include "editor/text/graphemes.h"
 #include "editor/widget/zmultilineedit_p.h"
 
 #include <QApplication>
+#include <QInputDevice>
 #include <QMouseEvent>
 #include <QStyleHints>
 
@@ -34,6 +34,7 @@ void ZMultiLineEdit::mousePressEvent(QMouseEvent *event)
         return d->popup(event->globalPosition().toPoint());
     if (event->button() != Qt::LeftButton)
         return;
+    d->touch.end();
     d->pointer = d->dragStart = place;
     if (d->sinceDoubleClick.isValid() && d->sinceDoubleClick.elapsed() < QApplication::doubleClickInterval()) {
         d->sinceDoubleClick.invalidate(); // the third click: the whole paragraph
@@ -61,17 +62,29 @@ void ZMultiLineEdit::mouseMoveEvent(QMouseEvent *event)
             d->startDrag();
         return;
     }
-    if (!d->dragMarking)
-        return;
     const Operation operation(*d);
-    if (!viewport()->rect().contains(d->pointer))
-        return startAutoScroll();
-    stopAutoScroll();
+    if (d->dragMarking)
+        d->markTo(d->pointer);
+}
+
+void ZMultiLineData::markTo(QPoint place)
+{
+    pointer = place;
+    if (!editor.viewport()->rect().contains(place))
+        return editor.startAutoScroll();
+    editor.stopAutoScroll();
     bool rowEnd = false;
-    const Cell cell = d->cellAt(d->pointer, &rowEnd);
-    const int offset = d->layout.offset(cell);
-    if (offset != d->cursor || d->markIsOn)
-        d->moveCursor({offset, true, rowEnd});
+    const int offset = layout.offset(cellAt(place, &rowEnd));
+    if (offset != cursor || markIsOn)
+        moveCursor({offset, true, rowEnd});
+}
+
+void ZMultiLineData::markWordAt(QPoint place)
+{
+    const TextModel::Place at = text.place(layout.offset(cellAt(place)));
+    const int start = text.start(at.paragraph);
+    const graphemes::Range word = graphemes::wordAt(text.paragraph(at.paragraph), at.column, wordClasses());
+    mark(start + word.from, start + word.to);
 }
 
 void ZMultiLineEdit::mouseReleaseEvent(QMouseEvent *event)
@@ -81,10 +94,11 @@ void ZMultiLineEdit::mouseReleaseEvent(QMouseEvent *event)
     const Operation operation(*d);
     stopAutoScroll();
     d->dndTimer.stop();
-    if (std::exchange(d->dndPending, false)) // a click on marked text
+    const bool inside = viewport()->rect().contains(event->position().toPoint());
+    if (std::exchange(d->dndPending, false) && inside) // a click on marked text; a pen that is held comes up outside
         d->moveCursor({d->layout.offset(d->cellAt(event->position().toPoint()))});
     d->dragMarking = false;
-    if (viewport()->rect().contains(event->position().toPoint()) && !d->isMarked())
+    if (inside && !d->isMarked())
         d->notify(ZMultiLineData::Notice::Clicked);
 }
 
@@ -93,10 +107,9 @@ void ZMultiLineEdit::mouseDoubleClickEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     const Operation operation(*d);
-    const TextModel::Place place = d->text.place(d->layout.offset(d->cellAt(event->position().toPoint())));
-    const int start = d->text.start(place.paragraph);
-    const graphemes::Range word = graphemes::wordAt(d->text.paragraph(place.paragraph), place.column, d->wordClasses());
-    d->mark(start + word.from, start + word.to);
+    d->markWordAt(event->position().toPoint());
+    if (event->device()->type() == QInputDevice::DeviceType::TouchScreen)
+        d->touch.begin();
     d->sinceDoubleClick.start();
     d->dragMarking = false;
 }

@@ -6,6 +6,8 @@
 #include <QGuiApplication>
 #include <QMenu>
 
+using Operation = ZMultiLineData::Operation;
+
 namespace {
 
 struct Entry {
@@ -48,11 +50,27 @@ void ZMultiLineData::popup(QPoint place)
     menu->popup(place);
 }
 
+// The menu is for the word under the pen, and the handles are for another choice.
+void ZMultiLineData::markHeld(QPoint place)
+{
+    if (!overMarked(place)) {
+        markWordAt(place);
+        if (editor.markedText().trimmed().isEmpty())
+            return moveCursor({layout.offset(cellAt(place))});
+    }
+    touch.begin();
+}
+
 // Of the menu key and of a held pen. That of the right button comes when the menu is open already.
 void ZMultiLineEdit::contextMenuEvent(QContextMenuEvent *event)
 {
     event->accept();
-    if (!d->menu)
-        d->popup(event->reason() == QContextMenuEvent::Keyboard ? viewport()->mapToGlobal(cursorPoint())
-                                                                : event->globalPos());
+    if (d->menu)
+        return;
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    const QPoint place = byKey ? viewport()->mapToGlobal(cursorPoint()) : event->globalPos();
+    const Operation operation(*d);
+    if (!byKey)
+        d->markHeld(event->pos());
+    d->popup(place);
 }

@@ -119,6 +119,7 @@ void ZMultiLineData::settle()
         }
     }
     flushDamage();
+    touch.follow();
 }
 
 void ZMultiLineData::damageRows(int first, int last)
@@ -234,7 +235,11 @@ QRect ZMultiLineEdit::globalRect(int line1, int col1, int line2, int col2) const
     return QRect(viewport()->mapToGlobal(topLeft), viewport()->mapToGlobal(bottomRight)).normalized();
 }
 
-void ZMultiLineEdit::scrollContentsBy(int, int) { viewport()->update(); }
+void ZMultiLineEdit::scrollContentsBy(int, int)
+{
+    viewport()->update();
+    d->touch.follow();
+}
 
 void ZMultiLineEdit::bufferUpdate()
 {

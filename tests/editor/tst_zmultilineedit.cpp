@@ -31,7 +31,6 @@ public:
         resize(120, 100);
         show();
     }
-    using ZMultiLineEdit::dropEvent;
     using ZMultiLineEdit::startAutoScroll;
 
     ZMultiLineData &data() { return ZMultiLineData::of(*this); }
@@ -91,6 +90,7 @@ private Q_SLOTS:
     void smartPunctuation();
     void autoScrollGetsFaster();
     void clicks();
+    void aHeldPenMarksTheWord();
     void movedTextIsOneStep();
     void handlersMayDoAnything();
     void unrecordedChangesDoNotCorrupt();
@@ -502,6 +502,67 @@ void TstZMultiLineEdit::clicks()
     QVERIFY(editor.atEnd() && !editor.hasMarkedText());
 }
 
+void TstZMultiLineEdit::aHeldPenMarksTheWord()
+{
+    Editor editor;
+    editor.setText(u"one, two\nthree"_s);
+    const auto hold = [&](QPoint place) { // what a held pen sends
+        QTest::mousePress(editor.viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseRelease(editor.viewport(), Qt::LeftButton, {}, {-1, -1});
+        QContextMenuEvent held(QContextMenuEvent::Mouse, place, editor.viewport()->mapToGlobal(place));
+        QApplication::sendEvent(editor.viewport(), &held);
+        auto *menu = editor.findChild<QMenu *>();
+        const bool open = menu && menu->isVisible();
+        delete menu;
+        return open;
+    };
+    const auto handles = [&] {
+        QList<QWidget *> seen = editor.viewport()->findChildren<QWidget *>();
+        seen.removeIf([](const QWidget *handle) { return !handle->isVisible(); });
+        return seen;
+    };
+    const auto glasses = [&] {
+        const QList<QWidget *> all = editor.findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
+        return std::ranges::count_if(all, [](const QWidget *child) {
+            return child->isVisible() && child->testAttribute(Qt::WA_TransparentForMouseEvents);
+        });
+    };
+    const auto send = [&](QWidget *to, QEvent::Type type, QPoint inViewport) {
+        const QPoint place = to->mapFrom(editor.viewport(), inViewport);
+        QMouseEvent event(type, place, to->mapToGlobal(place), Qt::LeftButton, Qt::LeftButton, {});
+        QApplication::sendEvent(to, &event);
+    };
+    QVERIFY(hold(editor.point(0, 6)));
+    QCOMPARE(editor.markedText(), u"two"_s);
+    QVERIFY(hold(editor.point(0, 6))); // what is marked stays so
+    QCOMPARE(editor.markedText(), u"two"_s);
+    QCOMPARE(handles().size(), 2);
+
+    QWidget *end = handles()[1];
+    const QPoint pen = end->geometry().center();
+    const QPoint way = editor.point(1, 3) - editor.point(0, 8);
+    send(end, QEvent::MouseButtonPress, pen);
+    QCOMPARE(glasses(), 1);
+    send(end, QEvent::MouseMove, pen + way);
+    QCOMPARE(editor.markedText(), u"two\nthr"_s);
+    send(end, QEvent::MouseMove, pen + editor.point(0, 5) - editor.point(0, 8)); // on the other one
+    QVERIFY(editor.hasMarkedText());
+    send(end, QEvent::MouseMove, pen + editor.point(0, 0) - editor.point(0, 8));
+    QCOMPARE(editor.markedText(), u"one, "_s);
+    send(end, QEvent::MouseMove, pen + QPoint(0, 500));
+    QVERIFY(editor.data().dragScrolling);
+    send(end, QEvent::MouseButtonRelease, pen);
+    QVERIFY(glasses() == 0 && !editor.data().dragScrolling);
+    editor.press(Qt::Key_Left, {}, Qt::ShiftModifier);
+    QVERIFY(handles().isEmpty() && editor.hasMarkedText());
+
+    QVERIFY(hold(editor.point(0, 6)));
+    connect(&editor, &ZMultiLineEdit::cursorChanged, &editor, [&editor] { editor.clear(); }); // under the pen
+    send(end, QEvent::MouseButtonPress, end->geometry().center());
+    send(end, QEvent::MouseMove, end->geometry().center() + way);
+    QVERIFY(handles().isEmpty() && editor.text().isEmpty());
+}
+
 void TstZMultiLineEdit::movedTextIsOneStep()
 {
     Editor editor;
@@ -509,8 +570,14 @@ void TstZMultiLineEdit::movedTextIsOneStep()
     editor.setSelection(0, 0, 0, 4);
     QMimeData mime;
     mime.setText(u"xyz"_s);
-    QDropEvent drop(editor.point(0, 7), Qt::CopyAction, &mime, Qt::LeftButton, {});
-    editor.dropEvent(&drop);
+    const auto drop = [&](Qt::DropAction action) { // from another application: the events have no source
+        QDragEnterEvent enter(editor.point(0, 7), action, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(editor.viewport(), &enter);
+        QDropEvent event(editor.point(0, 7), action, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(editor.viewport(), &event);
+        return enter.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+    };
+    QCOMPARE(drop(Qt::CopyAction), Qt::CopyAction);
     QCOMPARE(editor.text(), u"abc defxyz"_s);
     QCOMPARE(editor.markedText(), u"xyz"_s);
     editor.undo();
@@ -518,9 +585,7 @@ void TstZMultiLineEdit::movedTextIsOneStep()
 
     editor.setMaxLength(7);
     mime.setText(u"too long"_s);
-    QDropEvent cut(editor.point(0, 7), Qt::MoveAction, &mime, Qt::LeftButton, {});
-    editor.dropEvent(&cut);
-    QVERIFY(editor.text() == u"abc def" && cut.dropAction() != Qt::MoveAction);
+    QVERIFY(drop(Qt::MoveAction) != Qt::MoveAction && editor.text() == u"abc def");
     editor.setText(u"a\nb c"_s);
     editor.setMaxLines(1); // fewer than there are
     editor.setSelection(0, 0, 1, 1);
