@@ -401,7 +401,7 @@ std::unique_ptr<QTextLayout> RowBreaker::layOut(const QString &text) const
 {
     auto layout = std::make_unique<QTextLayout>(text, m_rules.font);
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
-    option.setTabStopDistance(std::max(1, m_rules.tabStop));
+    option.setTabStopDistance(limited(m_rules.tabStop));
     option.setWrapMode(m_rules.wrap == RowWrap::None ? QTextOption::ManualWrap
             : m_rules.anywhere                       ? QTextOption::WrapAnywhere
             : m_rules.wrap == RowWrap::Columns       ? QTextOption::WordWrap

@@ -57,8 +57,8 @@ public:
     [[nodiscard]] int cursorPosition() const override { return data().cursor; }
     void setCursorPosition(int offset) override
     {
-        const Cell cell = data().layout.cell(offset);
-        editor().setCursorPosition(cell.row, cell.column);
+        const ZMultiLineData::Operation operation(data());
+        data().moveCursor({offset});
     }
     [[nodiscard]] QString text(int from, int to) const override { return shown(from, to); }
     [[nodiscard]] int characterCount() const override { return editor().length(); }
@@ -102,9 +102,8 @@ private:
     }
     void select(int from, int to) const
     {
-        const Cell first = data().layout.cell(from);
-        const Cell last = data().layout.cell(to, true);
-        editor().setSelection(first.row, first.column, last.row, last.column);
+        const ZMultiLineData::Operation operation(data());
+        data().mark(from, to);
     }
 };
 

@@ -230,7 +230,6 @@ protected:
     virtual void sendPackageItem(const QSize &size, const QPoint &cursor, int lines);
 
     bool event(QEvent *event) override;
-    bool viewportEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void paintEvent(QPaintEvent *event) override;

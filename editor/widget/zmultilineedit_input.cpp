@@ -46,8 +46,9 @@ void ZMultiLineEdit::inputMethodEvent(QInputMethodEvent *event)
         group = true;
     }
     if (event->replacementLength() > 0) {
-        const int from = std::clamp(d->cursor + event->replacementStart(), 0, d->text.length());
-        d->deleteRange(from, std::min(from + event->replacementLength(), d->text.length()));
+        const qint64 start = qint64(d->cursor) + event->replacementStart();
+        const int from = int(std::clamp<qint64>(start, 0, d->text.length()));
+        d->deleteRange(from, from + std::min(event->replacementLength(), d->text.length() - from));
         d->moveCursor({.offset = from, .exact = true});
     }
     if (!commit.isEmpty()) {
@@ -196,5 +197,3 @@ bool ZMultiLineEdit::event(QEvent *event)
     }
     return QAbstractScrollArea::event(event);
 }
-
-bool ZMultiLineEdit::viewportEvent(QEvent *event) { return QAbstractScrollArea::viewportEvent(event); }

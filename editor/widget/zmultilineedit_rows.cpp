@@ -157,7 +157,7 @@ bool ZMultiLineEdit::getUnderline() const { return d->underline; }
 
 void ZMultiLineEdit::setFixedVisibleLines(int lines)
 {
-    d->fixedVisibleLines = std::max(0, lines);
+    d->fixedVisibleLines = std::clamp(lines, 0, 1000);
     setSizePolicy(sizePolicy().horizontalPolicy(), lines > 0 ? QSizePolicy::Fixed : QSizePolicy::Expanding);
     updateGeometry();
 }

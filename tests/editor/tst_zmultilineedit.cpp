@@ -79,6 +79,7 @@ private Q_SLOTS:
     void fieldLeavesKeysToItsForm();
     void limits_data();
     void limits();
+    void limitsCutTheTextThatIsThere();
     void filtersAndValidators();
     void popupEntries_data();
     void popupEntries();
@@ -200,8 +201,10 @@ void TstZMultiLineEdit::limits()
     editor.insert(u"abcd\nefgh\ni"_s);
     QTEST(QString(editor.text() + u"<>"), "text");
     QCOMPARE(truncated.count(), int(cut));
+}
 
-    // Under a text that is there already.
+void TstZMultiLineEdit::limitsCutTheTextThatIsThere()
+{
     Editor full;
     QSignalSpy changes(&full, &ZMultiLineEdit::textChanged);
     full.setText(u"abcd\nefgh\ni"_s);
@@ -678,6 +681,8 @@ void TstZMultiLineEdit::drawsWhateverItHolds()
             editor.setWrapColumnOrWidth(10);
             editor.setWordWrap(wrap);
             editor.setUnderline(true);
+            editor.setDefaultTabStop(INT_MAX);
+            editor.setFixedVisibleLines(INT_MAX);
             editor.setText(text);
             editor.selectAll();
             editor.show();
@@ -686,6 +691,10 @@ void TstZMultiLineEdit::drawsWhateverItHolds()
             editor.setSelection(-5, -5, INT_MAX, INT_MIN);
             editor.insertAt(u"!"_s, INT_MAX, -1);
             editor.removeLine(editor.numLines() - 1);
+            QInputMethodEvent replacing;
+            replacing.setCommitString(u"?"_s, INT_MAX, INT_MAX);
+            QApplication::sendEvent(&editor, &replacing);
+            QVERIFY(editor.sizeHint().height() > 0);
             for (const auto echo : {ZMultiLineEdit::Password, ZMultiLineEdit::NoEcho}) {
                 editor.setEchoMode(echo);
                 editor.grab();
