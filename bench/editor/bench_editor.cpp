@@ -119,7 +119,7 @@ template <typename Editor> void type(Editor &editor, char16_t letter)
 }
 
 struct Figures {
-    double key, paintedKey, keyAlone, setText, resize, undo, redo, memory;
+    double key, paintedKey, keyAlone, shapedKey, setText, resize, undo, redo, memory;
 };
 
 template <typename Editor> double keyTime(int lineCount, bool painted)
@@ -141,6 +141,19 @@ template <typename Editor> double keyTime(int lineCount, bool painted)
                    }
                })
         / kKeys;
+}
+
+// A megabyte without a break, which no table of widths can lay out.
+template <typename Editor> double shapedKeyTime()
+{
+    const QString text = QStringLiteral("nai\u0308ve de\u0301ja\u0300 ").repeated(1 << 16);
+    auto editor = make<Editor>();
+    setText(*editor, text);
+    rowsOf(*editor);
+    placeCursor(*editor, int(text.size()) / 2);
+    QCoreApplication::processEvents();
+    return median(
+        5, [] { QCoreApplication::processEvents(); }, [&] { type(*editor, u'a'); });
 }
 
 template <typename Editor> std::pair<double, double> undoTimes()
@@ -183,6 +196,7 @@ template <typename Editor> Figures measure(const QString &megabyte)
     figures.key = keyTime<Editor>(100000, false);
     figures.paintedKey = keyTime<Editor>(100000, true);
     figures.keyAlone = keyTime<Editor>(1, false);
+    figures.shapedKey = shapedKeyTime<Editor>();
     auto editor = make<Editor>();
     const auto clear = [&] { setText(*editor, QString()), rowsOf(*editor); };
     int rows = 0;
@@ -288,6 +302,7 @@ int main(int argc, char **argv)
     const double floor = emptyPaint();
     row("painting a row of an empty view, for comparison (us)", floor, floor, floor);
     row("the same key in a text of that one line (us)", ours.keyAlone, plain.keyAlone, rich.keyAlone);
+    row("a key in a paragraph of 1 MB that is shaped (us)", ours.shapedKey, plain.shapedKey, rich.shapedKey);
     row("setText() of 1 MB, rows known (us)", ours.setText, plain.setText, rich.setText);
     row("resize of it from 240 to 200, rows known (us)", ours.resize, plain.resize, rich.resize);
     row("undo one of 10 000 steps over 60 KB (us)", ours.undo, plain.undo, rich.undo);
