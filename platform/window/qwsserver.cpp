@@ -42,10 +42,12 @@ void QWSServer::sendKeyEvent(int unicode, int keycode, int modifiers, bool isPre
 {
     if (!theServer)
         return;
+    const KeyStroke stroke{unicode, keycode, modifiers, isPress, autoRepeat};
+    theServer->m_backend->watchRepeat(stroke);
     if (theFilter && theFilter->filter(unicode, keycode, modifiers, isPress, autoRepeat))
         return;
     Q_EMIT theServer->keySent(unicode, keycode, modifiers, isPress, autoRepeat);
-    theServer->m_backend->sendKey({unicode, keycode, modifiers, isPress, autoRepeat});
+    theServer->m_backend->sendKey(stroke);
 }
 
 void QWSServer::setKeyRepeat(int delay, int interval)

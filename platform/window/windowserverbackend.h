@@ -40,6 +40,8 @@ public:
     // Called once, right after construction. `socketName` is relative to the runtime directory and free to be taken.
     virtual void start(QWSServer &server, const QByteArray &socketName, QSize screen) = 0;
 
+    // Of each key, before a filter may take it: a held key repeats for the filter as well.
+    virtual void watchRepeat(const KeyStroke &stroke) = 0;
     virtual void sendKey(const KeyStroke &stroke) = 0;
     virtual void setKeyRepeat(int delay, int interval) = 0;
     virtual void sendPointer(const PointerState &state) = 0;

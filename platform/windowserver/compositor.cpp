@@ -110,6 +110,8 @@ void Compositor::connectProtocols(QWSServer &server)
         });
 }
 
+void Compositor::watchRepeat(const KeyStroke &stroke) { m_input->watchRepeat(stroke); }
+
 void Compositor::sendKey(const KeyStroke &stroke) { m_input->sendKey(stroke); }
 
 void Compositor::setKeyRepeat(int delay, int interval) { m_input->setRepeat(delay, interval); }

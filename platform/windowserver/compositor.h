@@ -21,6 +21,7 @@ public:
     ~Compositor() override;
 
     void start(QWSServer &server, const QByteArray &socketName, QSize screen) override;
+    void watchRepeat(const KeyStroke &stroke) override;
     void sendKey(const KeyStroke &stroke) override;
     void setKeyRepeat(int delay, int interval) override;
     void sendPointer(const PointerState &state) override;

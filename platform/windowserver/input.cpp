@@ -63,16 +63,15 @@ void Input::setRepeat(int delay, int interval)
 
 void Input::sendKey(const KeyStroke &stroke)
 {
-    if (!m_enabled)
-        return;
-    if (!m_repeating)
-        watchRepeat(stroke);
-    deliver(stroke);
+    if (m_enabled)
+        deliver(stroke);
 }
 
 // One key at a time repeats: the one pressed last. A driver that sends repeats of its own has the say.
 void Input::watchRepeat(const KeyStroke &stroke)
 {
+    if (!m_enabled || m_repeating)
+        return;
     // A key may come up under another name than it went down: with Shift let go before it, "!" becomes "1".
     const int code = keyCode(stroke);
     const bool isModifier = code >= Qt::Key_Shift && code <= Qt::Key_ScrollLock;

@@ -23,6 +23,7 @@ public:
     Input(Scene &scene, KeyExtension &keys, QWaylandSeat &seat, QWidget *screen);
     ~Input() override;
 
+    void watchRepeat(const KeyStroke &stroke);
     void sendKey(const KeyStroke &stroke);
     void sendPointer(const PointerState &state);
     void setRepeat(int delay, int interval);
@@ -36,7 +37,6 @@ private:
     void deliver(const KeyStroke &stroke);
     void deliverTo(QWaylandSurface *surface, const QKeyEvent &event);
     QWidget *serverWidgetWithFocus() const;
-    void watchRepeat(const KeyStroke &stroke);
     void repeat();
     bool ownKey(const QKeyEvent &event);
     void ownPress(const QPoint &position);
