@@ -7,6 +7,7 @@
 #include "appbase/messaging/wire.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/window/qwsapplication.h"
+#include "textinput/plugin/imstatecmd.h"
 
 #include <QAbstractScrollArea>
 #include <QKeyEvent>
@@ -34,14 +35,16 @@ Qt::InputMethodHints hintsOf(const QWidget &editor)
     return Qt::InputMethodHints::fromInt(editor.inputMethodQuery(Qt::ImHints).toInt());
 }
 
-bool isSecret(const QWidget &editor) { return hintsOf(editor).testAnyFlags(Qt::ImhHiddenText | Qt::ImhSensitiveData); }
+bool isSecret(const QWidget &editor)
+{
+    return hintsOf(editor).testAnyFlags(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
+}
 
-// As SetInputModeCmd counts them.
 int inputType(const QWidget &editor)
 {
     if (hintsOf(editor).testAnyFlags(Qt::ImhDigitsOnly | Qt::ImhFormattedNumbersOnly))
-        return 1;
-    return isSecret(editor) ? 3 : 0;
+        return SetInputModeCmd::Numbers;
+    return isSecret(editor) ? SetInputModeCmd::Secret : SetInputModeCmd::Text;
 }
 
 bool isReadOnly(const QWidget &editor)
@@ -75,18 +78,21 @@ bool isReachedByKey(const QFocusEvent &event)
 // Whether the user is about to write: the pen came up in the editor, or the keypad went there.
 bool asksForInput(const QWidget &editor, const QEvent &event)
 {
-    if (isReadOnly(editor))
+    if (isReadOnly(editor) || !editor.hasFocus()) // a dialog that opens tells its editor so before it has the focus
         return false;
     if (event.type() == QEvent::FocusIn)
         return isReachedByKey(static_cast<const QFocusEvent &>(event));
-    return event.type() == QEvent::MouseButtonRelease && editor.hasFocus();
+    return event.type() == QEvent::MouseButtonRelease;
 }
 
 ZMainWidget *activeMainWidget() { return qobject_cast<ZMainWidget *>(QApplication::activeWindow()); }
 
 }
 
-InputClient::InputClient(const QCString &channel) : m_channel(channel) { }
+InputClient::InputClient(const QCString &channel) : m_channel(channel)
+{
+    connect(&unconfirmed, &UnconfirmedText::confirmedByUser, this, [this] { tellState(SetEditContextCmd::Confirmed); });
+}
 
 InputClient::~InputClient()
 {
@@ -184,6 +190,7 @@ void InputClient::inputWidgetShown(int editor, int height)
     m_shrunk = window;
     if (window)
         window->getEditorRect(editor, height, true);
+    unconfirmed.confirm(); // the method that is shown now begins anew
     m_typedInto = this->editor(editor);
     publishContext();
 }
@@ -191,21 +198,35 @@ void InputClient::inputWidgetShown(int editor, int height)
 // For predictive input methods. Secrets stay here.
 void InputClient::publishContext()
 {
-    const auto known = m_editors.constFind(m_typedInto);
-    if (known == m_editors.cend() || !m_typedInto->hasFocus() || isSecret(*m_typedInto))
-        return;
+    if (!m_typedInto || !m_typedInto->hasFocus() || isSecret(*m_typedInto))
+        return withdrawContext();
     if (!m_state)
         m_state.emplace();
     const QString text = m_typedInto->inputMethodQuery(Qt::ImSurroundingText).toString();
     m_state->setEditContext({text}, 0, m_typedInto->inputMethodQuery(Qt::ImCursorPosition).toInt());
     const QRect cursor = m_typedInto->inputMethodQuery(Qt::ImCursorRectangle).toRect();
     m_state->setEditCursor(m_typedInto->mapToGlobal(cursor.bottomLeft()));
-    sendToServer(messages::kUpdateEditorState, wire::pack(known->id, 0, 0));
+    tellState(SetEditContextCmd::Changed);
+}
+
+// What was written is nobody's business any more; and a server that comes back has another state.
+void InputClient::withdrawContext()
+{
+    if (m_state)
+        m_state->setEditContext({}, 0, 0);
+    m_state.reset();
+}
+
+void InputClient::tellState(int state) const
+{
+    if (const auto known = m_editors.constFind(m_typedInto); known != m_editors.cend())
+        sendToServer(messages::kUpdateEditorState, wire::pack(known->id, state, 0));
 }
 
 void InputClient::inputWidgetHidden(int editor, int window, bool automatically)
 {
     m_typedInto = nullptr;
+    withdrawContext();
     if (m_shrunk) // it may not be the active window any more
         m_shrunk->getEditorRect(editor, 0, false);
     m_shrunk = nullptr;
@@ -234,5 +255,4 @@ void InputClient::sendKey(const IM_KeyEventEx &event)
         if (receiver) // the press may have destroyed it
             QCoreApplication::sendEvent(receiver, &key);
     }
-    publishContext();
 }

@@ -46,6 +46,8 @@ private:
     void tellServer(const QWidget &editor, Registration &registration);
     static void requestInputWidget(const QWidget &editor, const Registration &registration, bool show);
     void publishContext(); // what stands around the cursor
+    void withdrawContext();
+    void tellState(int state) const; // of the editor that is typed into
 
     const QCString m_channel;
     QHash<const QObject *, Registration> m_editors;

@@ -70,13 +70,21 @@ bool UnconfirmedText::eventFilter(QObject *watched, QEvent *event)
 {
     const QPointer<QObject> alive = watched; // the application may close what it is told of
     if (event->type() == QEvent::MouseButtonPress)
-        confirm();
+        confirmForUser();
     return !alive;
+}
+
+void UnconfirmedText::confirmForUser()
+{
+    if (!m_editor)
+        return;
+    confirm();
+    Q_EMIT confirmedByUser();
 }
 
 // Not at once: the editor may be about to be destroyed with its window.
 void UnconfirmedText::focusMoved(const QWidget *old)
 {
     if (old && old == m_editor)
-        QMetaObject::invokeMethod(this, &UnconfirmedText::confirm, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &UnconfirmedText::confirmForUser, Qt::QueuedConnection);
 }

@@ -19,11 +19,15 @@ public:
     void show(const QString &text); // in the widget with the focus; empty takes it away
     void confirm();
 
+Q_SIGNALS:
+    void confirmedByUser(); // who went elsewhere: the input method has to forget it
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override; // of the editor
 
 private:
     void watch(QWidget &editor);
+    void confirmForUser();
     void focusMoved(const QWidget *old);
 
     QPointer<QWidget> m_editor; // that shows the text; null: there is none

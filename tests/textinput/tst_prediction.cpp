@@ -179,6 +179,7 @@ void TstPrediction::types_data()
     QTest::newRow("and what was before when no word is left") << u"46<<<"_s << u"<"_s;
     QTest::newRow("right and Return end the word") << u"46>48/"_s << u"goit/"_s;
     QTest::newRow("one is an apostrophe within a word") << u"36618"_s << u"[don't]"_s;
+    QTest::newRow("or the end, when what follows it is taken back") << u"36618<"_s << u"[don.]"_s;
     QTest::newRow("or ends the sentence") << u"481046"_s << u"it. [Go]"_s;
     QTest::newRow("whatever follows") << u"48146"_s << u"it.[go]"_s;
     QTest::newRow("behind a word that needs none, punctuation as with letters") << u"461146"_s << u"go,[go]"_s;
@@ -239,6 +240,9 @@ void TstPrediction::theEditorsTextDecidesCapitals()
     WordPrediction method;
     method.setPredictor(&predictor);
     method.setTextBefore(u""_s);
+    QCOMPARE(Script(method).play(u"460"_s), u"Go "_s);
+    method.setTextBefore(u"Go "_s);
+    method.setTextBefore(u""_s); // the application has sent the text and cleared its field
     QCOMPARE(Script(method).play(u"460"_s), u"Go "_s);
     method.setTextBefore(u""_s); // comes late: it is known better
     QCOMPARE(Script(method).play(u"46>^"_s), u"go^"_s);

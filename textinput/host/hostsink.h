@@ -11,6 +11,8 @@ public:
     void setCompletionTip(const QString &word) override;
     void hide() override;
 
+    void forget() { m_unconfirmed = false; } // the editor keeps what is shown, or has another owner
+
 private:
     bool m_unconfirmed = false; // some is shown
 };

@@ -60,6 +60,8 @@ bool InputMethodHost::load(const QUuid &method)
 {
     if (m_library && m_library->info.id == method)
         return m_plugin;
+    if (m_keyboard)
+        m_keyboard->hide(); // a keyboard that is destroyed is not told so
     m_keyboard.reset();
     m_plugin = nullptr;
     const auto found = std::ranges::find(m_libraries, method, [](const auto &each) { return each->info.id; });
@@ -97,6 +99,7 @@ void InputMethodHost::onShow(const QByteArray &arguments)
     quint32 language = 0;
     if (!wire::unpack(arguments, method, inputType, language) || !load(method))
         return;
+    m_sink.forget();
     SelectInputMethodCmd select;
     select.method = method;
     select.language = language;

@@ -93,7 +93,11 @@ struct TYX_EXPORT SetFollowCharsCmd : IMStateCmd {
 // The text around the cursor in ZInputMethodState is another one.
 struct TYX_EXPORT SetEditContextCmd : IMStateCmd {
     TYX_IM_COMMAND(SetEditContextCmd, SetEditContext)
-    qint32 state = 0; // the editor's, as in "updateEditorState(int,int,int)"
+    enum State {
+        Changed = 0,
+        Confirmed = 1 // the user went elsewhere: what the method had not confirmed stands in the editor by now
+    };
+    qint32 state = Changed; // the editor's, as in "updateEditorState(int,int,int)"; an application may have others
     qint32 detail = 0;
     template <typename Visitor> void fields(Visitor visit)
     {

@@ -45,8 +45,11 @@ std::optional<Dictionary::Entry> Dictionary::parse(const QByteArray &key)
     const qsizetype length = end - key.begin();
     if (key.size() < length + 3)
         return std::nullopt;
-    return Entry{key.first(length), key.at(length),
+    Entry entry{key.first(length), key.at(length),
         {QString::fromUtf8(key.sliced(length + 2)), key.at(length + 1) - kFirstClass}};
+    // Its users cut words by their keys.
+    const bool fits = entry.kind == kBest ? entry.word.text.size() > length : entry.word.text.size() == length;
+    return fits ? std::optional(std::move(entry)) : std::nullopt;
 }
 
 QList<Dictionary::Entry> Dictionary::search(const QByteArray &beginning, int most) const

@@ -16,7 +16,7 @@ struct RankedWord {
 };
 
 // The file is mapped and stays so: all processes share its memory, and what is not looked at is not read. It is checked
-// as a whole when it is opened; a search in one that was made wrong on purpose finds nothing.
+// as a whole when it is opened, which finds damage; it is not made for files whose maker means harm.
 class Dictionary {
 public:
     // Null when there is none, or it is damaged.

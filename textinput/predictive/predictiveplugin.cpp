@@ -1,6 +1,7 @@
 // Words by one press a letter: as an input method. It looks for its dictionaries beside the libraries of the input
 // methods, and keeps what the user typed among the phone's settings.
 #include "appbase/config/zconfig.h"
+#include "platform/system/filecontent.h"
 #include "platform/system/filereplace.h"
 #include "textinput/plugin/imresdir.h"
 #include "textinput/predictive/wordprediction.h"
@@ -89,8 +90,8 @@ private:
         save();
         m_method.setPredictor(nullptr);
         m_predictor = std::make_unique<Predictor>(keyletters::of(language), findDictionary(language));
-        if (QFile file(userFile(language)); file.open(QIODevice::ReadOnly))
-            m_predictor->user().read(file.read(UserDictionary::kLargestFile));
+        if (const auto text = platform::fileContent(userFile(language), UserDictionary::kLargestFile))
+            m_predictor->user().read(*text);
         m_saved = m_predictor->user().changes();
         m_method.setPredictor(m_predictor.get());
     }
@@ -110,7 +111,7 @@ private:
     void setSecret(int mode)
     {
         if (mode != SetInputModeCmd::NextShift)
-            m_method.setSecret(mode == SetInputModeCmd::Secret);
+            m_method.setSecret(mode == SetInputModeCmd::Secret || mode == SetInputModeCmd::Numbers); // a PIN is both
     }
 
     void readContext()

@@ -51,12 +51,22 @@ void WordPrediction::setSecret(bool secret)
         drop();
 }
 
-// The editor tells it late: what was typed here meanwhile is known better.
+// The editor tells it late: of what was typed here it may not know the last characters yet.
 void WordPrediction::setTextBefore(const QString &text)
 {
-    if (!m_before.isNull() && !m_isEditors)
-        return;
-    m_isEditors = true;
+    for (int missing = 0; missing <= m_untold; ++missing) {
+        QString known = m_before.chopped(missing);
+        const bool beginsAnywhere = known.startsWith(kUnknown);
+        known.remove(kUnknown);
+        const bool isFromBefore = known.isEmpty() ? beginsAnywhere || text.isEmpty() : text.endsWith(known);
+        if (missing > 0 && isFromBefore) {
+            m_untold = missing;
+            return;
+        }
+        if (isFromBefore)
+            break;
+    }
+    m_untold = 0;
     m_before = u""_s + text.last(std::min(text.size(), kRemembered));
     if (!grows())
         shiftForSentence();
@@ -213,7 +223,7 @@ void WordPrediction::look()
     m_isKnown = !exact.isEmpty() || !longer.isEmpty();
     m_offered = exact;
     if (exact.isEmpty() && m_keys.endsWith('1')) // more often the end of a sentence than an apostrophe
-        m_offered.append(grown + u'.');
+        m_offered.append(grown.first(std::min(grown.size(), m_keys.size() - 1)) + u'.');
     if (exact.isEmpty() && !longer.isEmpty())
         m_offered.append(longer.first().first(m_keys.size()));
     if (!m_isKnown) // its letters as they come
@@ -266,12 +276,14 @@ WordPrediction::Typing WordPrediction::out(const Typing &typing)
         if (m_before.isNull())
             m_before = kUnknown;
         m_before = QString(m_before + c).last(std::min(m_before.size() + 1, kRemembered));
-        m_isEditors = false;
+        ++m_untold;
     }
-    if (typing.key == Qt::Key_Backspace)
+    if (typing.key == Qt::Key_Backspace) {
         m_before.chop(1);
-    else if (typing.key != 0)
-        m_before = QString(); // until the editor tells
+        m_untold = std::max(0, m_untold - 1);
+    } else if (typing.key != 0) {
+        forgetBefore(); // until the editor tells
+    }
     if (typing.text.isEmpty() && typing.key == 0)
         return typing;
     if (!grows()) {
@@ -300,7 +312,13 @@ void WordPrediction::drop()
     m_letters.drop();
     endWord();
     m_down = 0;
+    forgetBefore();
+}
+
+void WordPrediction::forgetBefore()
+{
     m_before = QString();
+    m_untold = 0;
 }
 
 QString WordPrediction::shifted(const QString &word) const
@@ -363,4 +381,6 @@ void WordPrediction::nextShift()
 {
     m_capital = false;
     m_letters.nextShift();
+    if (grows() && m_letters.shift() == MultiTap::Shift::Digits) // which would leave the word where nobody ends it
+        m_letters.nextShift();
 }

@@ -64,6 +64,7 @@ private:
     void learn();
     void look(); // which words fit the keys
     void endWord();
+    void forgetBefore();
     void shiftForSentence();
     [[nodiscard]] QString shifted(const QString &word) const;
 
@@ -77,7 +78,7 @@ private:
     int m_chosen = -1; // -1: no word grows
     bool m_isKnown = true; // some word begins with the keys
     QString m_before; // what stands before the cursor, as far as it is known; null: nothing is
-    bool m_isEditors = false; // that is what the editor told
+    int m_untold = 0; // of its last characters: the editor has not told of them yet
     bool m_capital = false; // the sentence asked for the one that is to come
     int m_down = 0; // Qt::Key of ours that may yet be held long enough
     Time m_downSince{0};

@@ -59,7 +59,9 @@ QUuid MethodList::primary(const INPUT_SETTING_T &setting) const
     int most = -1;
     for (const InputMethodInfo &info : offered()) {
         const bool fits = info.type == setting.preferredInputMethodType;
-        const int suits = (fits ? 2 : 0) + (info.speaks(language) ? 1 : 0);
+        // A pad of another type that says nothing of languages is no keyboard for one.
+        const bool speaks = info.speaks(language) && (fits || !info.languages.isEmpty());
+        const int suits = (fits ? 2 : 0) + (speaks ? 1 : 0);
         if (isUsable(info.id) && !info.external && suits > most) {
             best = info.id;
             most = suits;

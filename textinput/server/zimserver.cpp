@@ -146,7 +146,7 @@ void ZIMServerData::hostDied()
 {
     window = 0;
     m_taken.clear();
-    unconfirmed({});
+    m_composing = false; // the application keeps what stands in its editor
     if (isExternal())
         return; // that one is another process
     if (wanted && methods.died(current)) {
@@ -368,7 +368,7 @@ bool ZIMServer::IMSService::runCommand(IMStateCmd *command) { return command && 
 
 void ZIMServerData::type(const IM_KeyEventEx &event)
 {
-    if (findBar.isVisible()) {
+    if (findBar.isVisible() && (!event.typed().isEmpty() || event.qtKey() == Qt::Key_Backspace)) {
         findBar.type(event);
         return;
     }
@@ -397,7 +397,8 @@ ZIMServerData::Taker ZIMServerData::takerOf(const ZInputMethodPlugin::HardKey &k
     constexpr int kFirstWithoutCharacter = 0x0100'0000; // of Qt::Key
     const bool types = key.key < kFirstWithoutCharacter || key.key == Qt::Key_Backspace;
     const InputMethodInfo *info = methods.find(current);
-    const bool takesKeys = info && info->keys && window != 0 && host.isReady() && state.keyboardFilterEnabled();
+    const bool takesKeys =
+        info && !menu.isVisible() && info->keys && window != 0 && host.isReady() && state.keyboardFilterEnabled();
     // An editor drops the composition when its cursor moves: the method confirms it first, also the one that is only
     // on its way.
     if (takesKeys && (types || (m_composing && movesCursor(key.key))))
@@ -475,6 +476,8 @@ void ZIMServer::showInputWidget(const Owner &owner, int show, int inputType)
         return;
     }
     const Owner before = std::exchange(d->owner, owner);
+    if (owner.editor != before.editor)
+        d->findBar.clear();
     if (owner.window == 0 && owner.editor == before.editor)
         d->owner.window = before.window; // a tool does not know it
     if (d->wanted && before.editor != 0 && before.channel != owner.channel)
@@ -503,6 +506,7 @@ void ZIMServer::editorGone(int editor)
     d->hide(messages::kHideInputWidget);
     d->away = false;
     d->owner = {};
+    d->findBar.clear();
     setInputMethodOwner(0, 0, {});
 }
 

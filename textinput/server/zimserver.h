@@ -54,7 +54,7 @@ public:
     [[nodiscard]] bool isExternalInputMethod(const QUuid &method) const;
     [[nodiscard]] QString externalInputMethodName(const QUuid &method) const; // empty when it is none
     // The identifier of the method that suits the settings best: of the preferred type and language, else of that type,
-    // else the first that can be used. Null when there is none.
+    // else of that language, else the first that can be used. Null when there is none.
     [[nodiscard]] QUuid createPrimaryInputMethodID(const INPUT_SETTING_T &setting) const;
 
     void showKbd();

@@ -63,6 +63,10 @@ void TwelveKeyPlugin::runCommand(const IMStateCmd &command)
         setLanguages(languageCode(languages.preferred), languageCode(languages.secondary));
         break;
     }
+    case IMStateCmd::SetEditContext:
+        if (static_cast<const SetEditContextCmd &>(command).state == SetEditContextCmd::Confirmed)
+            forget();
+        break;
     default:
         break;
     }
