@@ -20,6 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QUuid kKeyboard(u"{5f2c9d61-0f5e-4c0a-8a8e-3d3b7b1a6c01}"_s);
+const QUuid kLetters(u"{8b1f3c52-6a0d-4b7e-9d34-1f6e2c0a7b11}"_s);
 const QUuid kBad(u"{00000000-0000-0000-0000-0000000000bd}"_s);
 const QUuid kAbroad(u"{00000000-0000-0000-0000-0000000000ab}"_s);
 constexpr int kEditor = 513;
@@ -57,6 +58,10 @@ public:
         QCopChannel::send(
             "TYX/QtServer", messages::kRegisterEditor, wire::pack(QCString("TYX/Application/me"), 0, kEditor));
         QCopChannel::send("TYX/QtServer", messages::kShowInputWidget, wire::pack(kEditor, 0, show ? 1 : 0, QUuid(), 0));
+    }
+    static void press(int key)
+    {
+        QCopChannel::send("TYX/Screen", "key(QCString,int,int,int)", wire::pack(QCString("TYX/Tool/me"), 0, key, 0));
     }
     static void tap(QPoint at)
     {
@@ -141,6 +146,7 @@ private Q_SLOTS:
     void everyMessageHasItsEffect();
     void editorsShowAndHide();
     void theNumberPadTypes();
+    void keysGoToTheMethodThatTakesThem();
     void textIsTypedWhateverFails_data();
     void textIsTypedWhateverFails();
     void itDiesAgainAndAgain();
@@ -238,7 +244,7 @@ void TstIMServer::everyMessageHasItsEffect()
     phone.tell("setContextString(QString)", wire::pack(quint8(7), u"ab"_s, quint16(0x102)));
     QTRY_VERIFY(phone.got(u"text 23 0700000004006100620102"_s));
     for (const int key : {int(Qt::Key_F5), int(Qt::Key_5)}) // keys that type are the method's
-        QCopChannel::send("TYX/Screen", "key(QCString,int,int,int)", wire::pack(QCString("TYX/Tool/me"), 0, key, 0));
+        phone.press(key);
     QTRY_VERIFY(phone.got(u"text key 53"_s));
     QVERIFY(!phone.got(u"text key %1"_s.arg(int(Qt::Key_F5))));
     phone.tell("completedWordConfirmed(QString)", wire::pack(u"a"_s));
@@ -297,6 +303,22 @@ void TstIMServer::theNumberPadTypes()
     QTRY_VERIFY(phone.isShown());
     QTRY_VERIFY(phone.isTyped({100, 236}, u"5"_s)); // second of the second row
     QTRY_VERIFY(phone.isTyped({100, 300}, u"0"_s));
+}
+
+void TstIMServer::keysGoToTheMethodThatTakesThem()
+{
+    install(u"/lib/inputmethods/libtyxmultitap.so"_s, u"liba.so"_s);
+    Phone phone;
+    QTRY_VERIFY(phone.knows(kLetters));
+    QTRY_VERIFY(phone.isShown());
+    // With a letter that waits, the cursor is the method's too: up comes back behind the letter, right does not.
+    for (const int key : {Qt::Key_Up, Qt::Key_4, Qt::Key_4, Qt::Key_3, Qt::Key_Up, Qt::Key_5, Qt::Key_Right, Qt::Key_6,
+             Qt::Key_NumberSign, Qt::Key_F5, Qt::Key_9, Qt::Key_Return})
+        phone.press(key);
+    QTRY_VERIFY(phone.got(u"text w"_s));
+    QTRY_COMPARE(phone.seen.filter(u"text "_s),
+        (QStringList{u"text h"_s, u"text d"_s, u"text "_s, u"text j"_s, u"text m"_s, u"text w"_s, u"text "_s}));
+    QVERIFY(phone.got(QString::fromLatin1(messages::kUnconfirmedText)));
 }
 
 void TstIMServer::textIsTypedWhateverFails_data()

@@ -238,7 +238,7 @@ QString WordPrediction::accept()
 {
     if (!grows())
         return {};
-    const QString text = unconfirmed();
+    QString text = unconfirmed();
     const QString word = m_offered.at(m_chosen);
     const bool isUnknown = !m_isKnown;
     endWord();

@@ -108,7 +108,7 @@ void MultiTap::drop()
 
 QString MultiTap::confirm()
 {
-    const QString text = unconfirmed();
+    QString text = unconfirmed();
     if (m_digit >= 2 && m_shift == Shift::Once)
         m_shift = Shift::Small;
     m_digit = -1;

@@ -200,6 +200,7 @@ private Q_SLOTS:
     void editorsOfDeadApplicationsAreForgotten();
     void whoIsAboutToWriteGetsTheInputWidget();
     void unconfirmedTextIsNotLost();
+    void aHiddenTextIsToldToNobody();
     void receiversMayGo();
     void theEditorStaysAboveTheInputWidget();
     void programsOfOneNameAllHear();
@@ -513,6 +514,35 @@ void TstZApplication::unconfirmedTextIsNotLost()
     m_server.onUnconfirmedText(wire::pack(QString()));
     m_server.onHideInputWidget(hide);
     QCOMPARE(m_field->text(), QString());
+}
+
+void TstZApplication::aHiddenTextIsToldToNobody()
+{
+    QStringList seen;
+    const Recorder recorder(m_app, *m_field, seen);
+    const int id = m_server.inputClient.registerEditor(m_field);
+    m_field->setText(QStringLiteral("abc"));
+    m_field->setFocus();
+    for (const auto mode : {QLineEdit::Normal, QLineEdit::Password}) {
+        m_field->setEchoMode(mode);
+        QTest::mouseClick(m_field, Qt::LeftButton);
+        m_server.onInputWidgetShown(wire::pack(id, 0, 0, QUuid(), 100));
+        QTest::keyClick(m_field, Qt::Key_Left);
+    }
+    m_field->setEchoMode(QLineEdit::Normal);
+    m_server.onInputWidgetShown(wire::pack(0, 0, 0, QUuid(), 100));
+    m_server.inputClient.unregisterEditor(m_field);
+    const auto count = [&](const char *message, const QByteArray &arguments) {
+        return seen.count(QStringLiteral("server %1 %2").arg(QLatin1String(message), QLatin1String(arguments.toHex())));
+    };
+    const auto asked = [&](int inputType) {
+        return count(
+            messages::kShowInputWidget, wire::pack(id, QWSApplication::windowId(m_field), 1, QUuid(), inputType));
+    };
+    QTRY_COMPARE(count(messages::kUnregisterEditor, wire::pack(id)), 1); // the last of them
+    QVERIFY(asked(0) > 0); // the application's own object asks too, with the same identifier
+    QCOMPARE(asked(3), asked(0));
+    QCOMPARE(count(messages::kUpdateEditorState, wire::pack(id, 0, 0)), 2); // shown, and its cursor moved
 }
 
 // A press, a text or a hidden keyboard may make the application close what they reached.
