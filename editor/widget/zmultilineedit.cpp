@@ -40,7 +40,6 @@ ZMultiLineEdit::~ZMultiLineEdit()
     PredictiveInput *input = PredictiveInput::instance();
     if (input && hasFocus())
         input->contextChanged({});
-    d->sharedContext.withdraw();
 }
 
 void ZMultiLineEdit::init(QWidget *, bool fieldMode, int, const char *name)

@@ -133,17 +133,6 @@ void ZMultiLineData::publishContext()
     if (PredictiveInput *input = PredictiveInput::instance())
         input->contextChanged({focused ? editorId : 0, predictable ? text.paragraph(at.paragraph) : QString(),
             predictable ? at.column : 0, onScreen, predictable});
-    if (!focused || !predictable)
-        return sharedContext.withdraw();
-    if (!sharedContext.isWanted())
-        return;
-    constexpr int kAround = 3; // paragraphs; more would hardly have room
-    const int first = std::max(0, at.paragraph - kAround);
-    const int last = std::min(text.paragraphs() - 1, at.paragraph + kAround);
-    SharedEditContext::Context context{{}, at.paragraph - first, at.column, onScreen.bottomLeft()};
-    for (int i = first; i <= last; ++i)
-        context.lines << text.paragraph(i);
-    sharedContext.publish(context);
 }
 
 void ZMultiLineData::blinkAgain()

@@ -5,7 +5,6 @@
 #include "editor/text/graphemes.h"
 #include "editor/text/rowlayout.h"
 #include "editor/text/textmodel.h"
-#include "editor/widget/sharededitcontext.h"
 #include "editor/widget/touchselection.h"
 #include "editor/widget/zmultilineedit.h"
 
@@ -204,7 +203,6 @@ public:
     int scrollAccel = 0; // ticks until the interval shrinks
 
     int editorId = 0;
-    SharedEditContext sharedContext;
     QSize reportedSize;
 
 private:

@@ -17,7 +17,6 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <functional>
-#include <sys/shm.h>
 
 using namespace Qt::StringLiterals;
 
@@ -86,7 +85,6 @@ private Q_SLOTS:
     void compositionIsNoText();
     void compositionOverMarkedTextIsOneStep();
     void predictiveInput();
-    void otherProcessesSeeTheTextAroundTheCursor();
     void smartPunctuation_data();
     void smartPunctuation();
     void autoScrollGetsFaster();
@@ -402,32 +400,6 @@ void TstZMultiLineEdit::predictiveInput()
     QCOMPARE(guess.context.paragraph, u"aqb"_s);
     editor.setReadOnly(true);
     QVERIFY(guess.context.paragraph.isEmpty());
-}
-
-void TstZMultiLineEdit::otherProcessesSeeTheTextAroundTheCursor()
-{
-    constexpr char file[] = "/tmp/imsstate.shm"; // as the GUI server makes it
-    QVERIFY(QFile(QLatin1StringView(file)).open(QIODevice::WriteOnly));
-    const int segment = ::shmget(::ftok(file, 'g'), 1932, IPC_CREAT | 0600);
-    const ZInputMethodState state;
-    Editor editor;
-    editor.setText(u"1\n2\n3\n4\nfive\n6"_s);
-    QTRY_VERIFY(editor.hasFocus());
-    editor.setCursorPosition(4, 2);
-    QCOMPARE(state.getEditContext().lines(), (QStringList{u"2"_s, u"3"_s, u"4"_s, u"five"_s, u"6"_s}));
-    QCOMPARE(state.getEditContext().line(state.getEditContext().cursorLine()), u"five"_s);
-    QCOMPARE(state.getEditContext().cursorPosition(), 2);
-    QCOMPARE(state.editCursor(), editor.viewport()->mapToGlobal(editor.data().cursorRect().bottomLeft()));
-    editor.setEchoMode(ZMultiLineEdit::Password);
-    editor.press(Qt::Key_B, u"b"_s);
-    QVERIFY(state.getEditContext().lines().isEmpty());
-    editor.setEchoMode(ZMultiLineEdit::Normal);
-    editor.press(Qt::Key_C, u"c"_s);
-    QCOMPARE(state.getEditContext().cursorPosition(), 4);
-    ZInputMethodState().setEditContext({u"another one's"_s}, 0, 0);
-    editor.clearFocus();
-    QCOMPARE(state.getEditContext().lines(), QStringList{u"another one's"_s});
-    ::shmctl(segment, IPC_RMID, nullptr);
 }
 
 void TstZMultiLineEdit::smartPunctuation_data()
