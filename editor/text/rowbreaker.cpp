@@ -51,6 +51,13 @@ bool mayTurn(QChar c)
     }
 }
 
+// Null when no row ends there.
+const RowEnd *rowEndingAt(const ParagraphRows &rows, int column)
+{
+    const auto row = std::partition_point(rows.begin(), rows.end(), [&](const RowEnd &r) { return r.end < column; });
+    return row != rows.end() && row->end == column ? row : nullptr;
+}
+
 bool isWordCharacter(QChar c) { return (c < QChar(0x7F) && c.isLetterOrNumber()) || c >= QChar(0xC0); }
 
 // Whether the algorithm lets a row end before `column` of a word.
@@ -158,8 +165,7 @@ ParagraphRows RowBreaker::rows(const QString &paragraph) const
 
 bool RowBreaker::mayCut(QStringView shown) const
 {
-    return shown.size() >= 2 * kStretch && m_rules.wrap != RowWrap::None
-        && std::none_of(shown.begin(), shown.end(), mayTurn);
+    return shown.size() >= kLong && m_rules.wrap != RowWrap::None && std::none_of(shown.begin(), shown.end(), mayTurn);
 }
 
 // At a letter behind a space, or among ideographs, which are not joined.
@@ -217,9 +223,8 @@ ParagraphRows RowBreaker::rowsAgain(const QString &shown, const ParagraphRows &o
             const int end = rows[i].end;
             if (end <= shown.size() - kept.behind || !beginsAfresh(shown, end))
                 continue;
-            auto same =
-                std::partition_point(old.begin(), old.end(), [&](const RowEnd &row) { return row.end + moved < end; });
-            if (same == old.end() || same->end + moved != end)
+            const RowEnd *same = rowEndingAt(old, end - moved);
+            if (!same)
                 continue;
             rows.resize(i + 1);
             while (++same != old.end())

@@ -59,6 +59,7 @@ public:
     // A long paragraph of such text is laid out in stretches, when none of it runs from right to left: a row that
     // begins afresh does not depend on what stands before it, and so do those below.
     static constexpr int kStretch = 2048; // units: some 50 rows of a phone; what a key in a long paragraph costs
+    static constexpr int kLong = 2 * kStretch; // shorter paragraphs are laid out as a whole
     [[nodiscard]] bool mayCut(QStringView shown) const;
     static bool beginsAfresh(QStringView shown, int column);
 

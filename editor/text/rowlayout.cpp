@@ -102,7 +102,7 @@ bool RowLayout::mayCut(int paragraph) const
 {
     if (m_long.paragraph != paragraph) {
         const QString text = m_breaker.shown(shownText(paragraph));
-        if (text.size() < 2 * RowBreaker::kStretch)
+        if (text.size() < RowBreaker::kLong)
             return false;
         m_long = {paragraph, !m_breaker.isPlain(text) && m_breaker.mayCut(text)};
     }

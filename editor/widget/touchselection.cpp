@@ -137,7 +137,7 @@ void TouchSelection::end()
         return;
     m_fixed->hide();
     m_moving->hide();
-    m_glass.reset();
+    letGo(); // a hidden one may not see the pen go up
 }
 
 void TouchSelection::follow()

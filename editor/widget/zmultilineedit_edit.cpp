@@ -75,12 +75,12 @@ int ZMultiLineData::insertLimited(int offset, const QString &added)
     return int(part.size());
 }
 
-void ZMultiLineData::insertTyped(const QString &typed, bool marked)
+bool ZMultiLineData::insertTyped(const QString &typed, bool marked)
 {
     QString part;
     editor.filterString(part, TextModel::normalized(typed));
     if (part.isEmpty() || !isAccepted(part))
-        return;
+        return false;
     const bool group = isMarked();
     if (group)
         beginReplacing(true);
@@ -92,6 +92,7 @@ void ZMultiLineData::insertTyped(const QString &typed, bool marked)
         moveCursor({.offset = at + length, .exact = true});
     if (group)
         record(new UTIL_EndCommand);
+    return length > 0;
 }
 
 void ZMultiLineData::deleteRange(int from, int to)

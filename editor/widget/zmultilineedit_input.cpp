@@ -37,32 +37,39 @@ void ZMultiLineEdit::inputMethodEvent(QInputMethodEvent *event)
         return event->ignore();
     const Operation operation(*d);
     event->accept();
-    const QString commit = event->commitString();
     const bool replaces = std::exchange(d->pendingReplaces, false);
     d->dropComposition();
-    bool group = replaces;
-    if (!group && event->replacementLength() > 0 && !commit.isEmpty()) { // one word for another is one step
+    const bool confirms = !event->commitString().isEmpty();
+    const bool exchanges = !replaces && confirms && event->replacementLength() > 0; // one word for another is one step
+    if (exchanges)
         d->record(new UTIL_BeginCommand);
-        group = true;
-    }
-    if (event->replacementLength() > 0) {
-        const qint64 start = qint64(d->cursor) + event->replacementStart();
-        const int from = int(std::clamp<qint64>(start, 0, d->text.length()));
-        d->deleteRange(from, from + std::min(event->replacementLength(), d->text.length() - from));
-        d->moveCursor({.offset = from, .exact = true});
-    }
-    if (!commit.isEmpty()) {
-        d->insertTyped(commit, false);
-        // A word with the space behind it: punctuation that follows goes to the word.
-        const bool isWord = commit.size() > 1 && commit.endsWith(u' ') && PredictiveInput::instance();
-        d->smartPunctuationAt = isWord ? d->cursor : -1;
-    }
-    const QString preedit = event->preeditString();
-    const bool goesOn = replaces && commit.isEmpty() && !preedit.isEmpty();
-    if (group && !goesOn)
+    const bool refused = !d->confirm(*event);
+    const bool goesOn = replaces && !confirms && !event->preeditString().isEmpty();
+    if ((replaces || exchanges) && !goesOn) {
         d->record(new UTIL_EndCommand);
-    if (!preedit.isEmpty())
-        d->compose(preedit, cursorOf(*event), goesOn);
+        if (refused)
+            d->replay(true); // what was to be replaced stays, as when it is typed over
+    }
+    if (!event->preeditString().isEmpty())
+        d->compose(event->preeditString(), cursorOf(*event), goesOn);
+}
+
+bool ZMultiLineData::confirm(const QInputMethodEvent &event)
+{
+    if (event.replacementLength() > 0) {
+        const qint64 start = qint64(cursor) + event.replacementStart();
+        const int from = int(std::clamp<qint64>(start, 0, text.length()));
+        deleteRange(from, from + std::min(event.replacementLength(), text.length() - from));
+        moveCursor({.offset = from, .exact = true});
+    }
+    const QString &confirmed = event.commitString();
+    if (confirmed.isEmpty())
+        return true;
+    const bool taken = insertTyped(confirmed, false);
+    // A word with the space behind it: punctuation that follows goes to the word.
+    const bool isWord = confirmed.size() > 1 && confirmed.endsWith(u' ') && PredictiveInput::instance();
+    smartPunctuationAt = isWord ? cursor : -1;
+    return taken;
 }
 
 // What it stands in the place of is one step with what it becomes.

@@ -15,6 +15,7 @@
 #include <deque>
 #include <optional>
 
+class QInputMethodEvent;
 class QKeyEvent;
 class QPainter;
 
@@ -80,7 +81,7 @@ public:
 
     // With undo. What they cannot do, they leave.
     int insertLimited(int offset, const QString &text); // answers how much
-    void insertTyped(const QString &text, bool mark); // in the place of what is marked
+    bool insertTyped(const QString &text, bool mark); // in the place of what is marked; false: it is refused
     void deleteRange(int from, int to);
     void deleteMarked();
     void beginReplacing(bool exact); // opens a group, and takes away what is marked
@@ -98,6 +99,7 @@ public:
     [[nodiscard]] graphemes::ClassOf wordClasses() const;
     void dropComposition();
 
+    bool confirm(const QInputMethodEvent &event); // false: what it brings is refused
     void compose(QString preedit, int place, bool inGroup);
     bool typeKey(const QKeyEvent &event); // false: it types nothing
 

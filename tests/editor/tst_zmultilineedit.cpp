@@ -367,6 +367,11 @@ void TstZMultiLineEdit::compositionOverMarkedTextIsOneStep()
     editor.compose(u"w"_s);
     editor.undo(); // in the middle of it
     QCOMPARE(editor.text(), u"one two"_s);
+    editor.setFilter(QRegExp(u"[0-9]"_s));
+    editor.setSelection(0, 4, 0, 7);
+    editor.compose(u"w"_s);
+    editor.compose({}, u"w"_s); // refused
+    QCOMPARE(editor.text(), u"one two"_s);
     editor.selectAll();
     editor.compose(u"w"_s);
     editor.setText(u"three"_s);
