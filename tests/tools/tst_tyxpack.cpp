@@ -1,9 +1,8 @@
 // The real program on real files: `tyx pack`.
-#include "tests/support/testfiles.h"
+#include "tests/support/tyxtool.h"
 
 #include <QDir>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <ZResFileWriter>
 
@@ -11,15 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Outcome tyx(const QStringList &arguments)
-{
-    return run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), QStringList{u"pack"_s} + arguments);
-}
-
-QJsonDocument json(const QStringList &arguments)
-{
-    return QJsonDocument::fromJson(tyx(arguments + QStringList{u"--json"_s}).out);
-}
+const TyxCommand tyx{u"pack"_s};
 
 QByteArray lines(const QStringList &all) { return all.join(u'\n').toUtf8() + '\n'; }
 
@@ -61,7 +52,7 @@ void TstTyxPack::aFolderGoesThereAndBack()
     QCOMPARE(tyx({u"create"_s, u"t.tyx"_s, u"in"_s}).status, 0);
     const QByteArray packed = content(u"t.tyx"_s);
     QCOMPARE(tyx({u"list"_s, u"t.tyx"_s}).out, QByteArray("Phone.g  12\ncaf\xC3\xA9.txt  4\nring.a  8\n"));
-    const auto entry = json({u"list"_s, u"t.tyx"_s})[0];
+    const auto entry = tyx.json({u"list"_s, u"t.tyx"_s})[0];
     QCOMPARE(entry[u"id"].toString(), u"Phone.g"_s);
     QCOMPARE(packed.mid(entry[u"offset"].toInteger(), entry[u"size"].toInteger()), QByteArray("\x89PNG picture"));
     QCOMPARE(tyx({u"verify"_s, u"t.tyx"_s}).status, 0);
@@ -149,20 +140,20 @@ void TstTyxPack::filesAreCompared()
     const Outcome outcome = tyx({u"diff"_s, u"t.tyx"_s, u"other.tyx"_s});
     QCOMPARE(outcome.status, 1);
     QCOMPARE(outcome.out, lines({u"added    z"_s, u"changed  Phone.g"_s, u"removed  ring.a"_s}));
-    QCOMPARE(json({u"diff"_s, u"t.tyx"_s, u"other.tyx"_s})[u"added"][0].toString(), u"z"_s);
+    QCOMPARE(tyx.json({u"diff"_s, u"t.tyx"_s, u"other.tyx"_s})[u"added"][0].toString(), u"z"_s);
     QCOMPARE(tyx({u"diff"_s, u"t.tyx"_s, u"t.tyx"_s}).status, 0);
 }
 
 void TstTyxPack::damageIsNamed()
 {
     QCOMPARE(tyx({u"create"_s, u"t.tyx"_s, u"in"_s}).status, 0);
-    const qint64 offset = json({u"list"_s, u"t.tyx"_s})[0][u"offset"].toInteger();
+    const qint64 offset = tyx.json({u"list"_s, u"t.tyx"_s})[0][u"offset"].toInteger();
     fill(u"t.tyx"_s, content(u"t.tyx"_s).replace(offset - 8, 1, "!"));
     const Outcome outcome = tyx({u"verify"_s, u"t.tyx"_s});
     QCOMPARE(outcome.status, 1);
     QCOMPARE(outcome.out,
         "t.tyx: byte " + QByteArray::number(offset - 8) + ": what should be a data block is something else\n");
-    QCOMPARE(json({u"verify"_s, u"t.tyx"_s})[u"offset"].toInteger(), offset - 8);
+    QCOMPARE(tyx.json({u"verify"_s, u"t.tyx"_s})[u"offset"].toInteger(), offset - 8);
     QCOMPARE(tyx({u"list"_s, u"t.tyx"_s}).out.left(47), QByteArray("Phone.g  what should be a data block is somethi"));
     QCOMPARE(tyx({u"add"_s, u"t.tyx"_s, u"in/Phone.PNG"_s}).status, 3);
     QCOMPARE(tyx({u"extract"_s, u"t.tyx"_s, u"out"_s}).status, 3);

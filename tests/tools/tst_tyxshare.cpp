@@ -1,12 +1,11 @@
 // The real program on real segments: `tyx share`.
 #include "tests/support/standarderror.h"
-#include "tests/support/testfiles.h"
+#include "tests/support/tyxtool.h"
 
 #include <QBuffer>
 #include <QDir>
 #include <QImage>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <UTIL_ShareImage>
 #include <sys/shm.h>
@@ -22,9 +21,7 @@ private Q_SLOTS:
 
 void TstTyxShare::listsAndDumps()
 {
-    const auto tyx = [](const QStringList &arguments) {
-        return run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), QStringList{u"share"_s} + arguments);
-    };
+    const TyxCommand tyx{u"share"_s};
     const StandardError quiet;
     QCOMPARE(tyx({u"list"_s}).out, "");
     QImage image(3, 2, QImage::Format_ARGB32);
@@ -40,7 +37,7 @@ void TstTyxShare::listsAndDumps()
     QVERIFY(::shmget(::ftok("/tmp/UTIL_ShareImage_broken%2b", 0x5A), 10, IPC_CREAT | 0666) >= 0);
     QCOMPARE(::symlink("/etc/passwd", "/tmp/UTIL_ShareImage_linked"), 0);
 
-    const QJsonArray all = QJsonDocument::fromJson(tyx({u"list"_s, u"--json"_s}).out).array();
+    const QJsonArray all = tyx.json({u"list"_s}).array();
     const QByteArray key = QByteArray::number(::ftok("/tmp/UTIL_ShareImage_A", 0x5A), 16);
     const QJsonObject expected{{u"name"_s, u"A"_s}, {u"file"_s, u"/tmp/UTIL_ShareImage_A"_s},
         {u"key"_s, QString(u"0x"_s + QLatin1String(key))}, {u"id"_s, all[0][u"id"]},

@@ -1,10 +1,9 @@
 // The real program on real files: `tyx skin`.
-#include "tests/support/testfiles.h"
+#include "tests/support/tyxtool.h"
 
 #include <QDir>
 #include <QImage>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QRect>
 #include <UTIL_SkinFileWriter>
@@ -13,15 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Outcome tyx(const QStringList &arguments)
-{
-    return run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), QStringList{u"skin"_s} + arguments);
-}
-
-QJsonDocument json(const QStringList &arguments)
-{
-    return QJsonDocument::fromJson(tyx(arguments + QStringList{u"--json"_s}).out);
-}
+const TyxCommand tyx{u"skin"_s};
 
 // Its pixels differ from one another, half of them in how transparent they are.
 QImage picture(int width, int height)
@@ -37,7 +28,7 @@ QImage picture(int width, int height)
 QMap<QString, QRect> rectsOf(const QString &file)
 {
     QMap<QString, QRect> rects;
-    for (const auto &entry : json({u"list"_s, file})[u"pictures"].toArray())
+    for (const auto &entry : tyx.json({u"list"_s, file})[u"pictures"].toArray())
         rects.insert(entry[u"id"].toString(),
             QRect(entry[u"x"].toInt(), entry[u"y"].toInt(), entry[u"width"].toInt(), entry[u"height"].toInt()));
     return rects;
@@ -211,11 +202,11 @@ void TstTyxSkin::faultsAreNamed()
     fill(u"in/text"_s, "text");
     writer.init(u"t.skn"_s, u"in/text"_s);
     QVERIFY(writer.save());
-    const QJsonDocument checks = json({u"verify"_s, u"t.skn"_s});
+    const QJsonDocument checks = tyx.json({u"verify"_s, u"t.skn"_s});
     QVERIFY(!checks[u"sound"].toBool());
     QVERIFY(checks[u"checks"][0][u"sound"].toBool() && !checks[u"checks"][1][u"sound"].toBool());
     QCOMPARE(tyx({u"list"_s, u"t.skn"_s}).out, QByteArray("# no image, 4 bytes\n"));
-    QVERIFY(!json({u"list"_s, u"t.skn"_s}).object().contains(u"width"_s));
+    QVERIFY(!tyx.json({u"list"_s, u"t.skn"_s}).object().contains(u"width"_s));
     QCOMPARE(tyx({u"extract"_s, u"t.skn"_s, u"out"_s}).err,
         QByteArray("tyx: t.skn: its image does not decode; tyx skin verify tells more\n"));
     fill(u"t.skn"_s, content(u"t.skn"_s).first(100));

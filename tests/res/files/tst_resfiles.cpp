@@ -1,5 +1,5 @@
 // Both families of readers and writers, on real files.
-#include "tests/support/testfiles.h"
+#include "tests/support/standarderror.h"
 
 #include <PixmapName>
 #include <QBuffer>
@@ -12,7 +12,6 @@
 #include <ZRes>
 #include <ZResFileReader>
 #include <ZResFileWriter>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -23,17 +22,9 @@ const QString kFile = QStringLiteral("/tmp/t.tyx");
 // What is printed on standard error while `action` runs.
 QByteArray printed(const auto &action)
 {
-    const int before = ::dup(STDERR_FILENO);
-    QFile file(u"/tmp/stderr"_s);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::Truncate))
-        return "(no file)";
-    std::fflush(stderr);
-    ::dup2(file.handle(), STDERR_FILENO);
+    const StandardError error;
     action();
-    std::fflush(stderr);
-    ::dup2(before, STDERR_FILENO);
-    ::close(before);
-    return content(u"/tmp/stderr"_s);
+    return StandardError::text();
 }
 
 QByteArray encoded(const QSize &size, const char *format)

@@ -1,7 +1,7 @@
 #include "settings/status/statuslayout.h"
 #include "settings/status/switchprobe.h"
 #include "settings/status/systemstatus.h"
-#include "tests/support/testfiles.h"
+#include "tests/support/standarderror.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -162,26 +162,16 @@ const char *const kOthers[] = {"UTIL_GetSignalQuality", "UTIL_SetSignalQuality",
 // Runs `body` in a process of its own, which says on its standard error what it has to say.
 Outcome inChild(const std::function<void()> &body)
 {
-    int pipeEnds[2] = {};
-    if (::pipe(pipeEnds) != 0)
-        return {};
+    const StandardError error;
     const pid_t child = ::fork();
     if (child == 0) {
-        ::dup2(pipeEnds[1], STDERR_FILENO);
         body();
         std::fflush(nullptr);
         ::_exit(0);
     }
-    ::close(pipeEnds[1]);
-    Outcome outcome;
-    char buffer[512];
-    for (ssize_t got = 0; (got = ::read(pipeEnds[0], buffer, sizeof buffer)) > 0;)
-        outcome.err.append(buffer, got);
-    ::close(pipeEnds[0]);
     int status = 0;
     ::waitpid(child, &status, 0);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return outcome;
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, {}, StandardError::text()};
 }
 
 int makeSegment(char project, std::size_t size) { return ::shmget(::ftok(kKeyFile, project), size, IPC_CREAT | 0777); }
