@@ -3,9 +3,10 @@
 #include "platform/system/fd.h"
 
 #include <QFile>
+#include <algorithm>
 #include <fcntl.h>
-#include <memory>
 #include <new>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +16,10 @@ namespace {
 
 constexpr qsizetype kFirstRoom = 4096; // for a file that does not tell its size
 constexpr qsizetype kSmall = 1 << 20; // a program that has not as much left does not go on anyway
+
+constexpr std::size_t kHugePage = 2U << 20;
+constexpr std::size_t kPiece = 2 * kHugePage;
+static_assert(kPiece >= std::size_t{kSmall});
 
 // The toolkit's own containers end the program where there is no memory.
 bool isRoomFor(qsizetype size)
@@ -53,13 +58,16 @@ Result<QByteArray> readToEnd(int fd, qsizetype sizeHint, qint64 maxBytes)
     return bytes;
 }
 
-}
+struct OpenFile {
+    Fd fd;
+    qsizetype size = 0;
+};
 
-Result<QByteArray> fileContent(const QString &path, qint64 maxBytes)
+Result<OpenFile> openRegular(const QString &path, qint64 maxBytes)
 {
     if (path.contains(QChar::Null))
         return failed("open", EINVAL);
-    const auto file = Fd::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    auto file = Fd::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY);
     if (!file)
         return tl::make_unexpected(file.error());
     struct stat status = {};
@@ -69,7 +77,59 @@ Result<QByteArray> fileContent(const QString &path, qint64 maxBytes)
         return failed("open", S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
     if (status.st_size > maxBytes)
         return failed("read", EFBIG);
-    return readToEnd(file->get(), static_cast<qsizetype>(status.st_size), maxBytes);
+    return OpenFile{std::move(*file), static_cast<qsizetype>(status.st_size)};
+}
+
+// Fills `room`, or as much of it as there is.
+Result<std::size_t> readInto(std::span<std::byte> room, int fd)
+{
+    std::size_t filled = 0;
+    while (filled < room.size()) {
+        const ssize_t count = ::read(fd, room.data() + filled, room.size() - filled);
+        if (count < 0 && errno != EINTR)
+            return failed("read");
+        if (count == 0)
+            break;
+        filled += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    return filled;
+}
+
+}
+
+Result<QByteArray> fileContent(const QString &path, qint64 maxBytes)
+{
+    return openRegular(path, maxBytes).and_then([&](const OpenFile &file) {
+        return readToEnd(file.fd.get(), file.size, maxBytes);
+    });
+}
+
+Result<QByteArray> FileContents::read(const QString &path, qint64 maxBytes)
+{
+    return openRegular(path, maxBytes).and_then([&](const OpenFile &file) -> Result<QByteArray> {
+        if (file.size == 0 || file.size > kSmall) // a size of 0 may mean that it is not known
+            return readToEnd(file.fd.get(), file.size, maxBytes);
+        const std::span<std::byte> bytes = room(static_cast<std::size_t>(file.size));
+        if (bytes.empty())
+            return failed("read", ENOMEM);
+        return readInto(bytes, file.fd.get()).map([&](std::size_t size) {
+            m_free = m_free.subspan(size);
+            return QByteArray::fromRawData(reinterpret_cast<const char *>(bytes.data()), static_cast<qsizetype>(size));
+        });
+    });
+}
+
+std::span<std::byte> FileContents::room(std::size_t size)
+{
+    if (size > m_free.size()) {
+        m_pieces.emplace_back(static_cast<std::byte *>(std::aligned_alloc(kHugePage, kPiece)));
+        std::byte *piece = m_pieces.back().get();
+        if (!piece)
+            return {};
+        ::madvise(piece, kPiece, MADV_HUGEPAGE); // where there are none, small ones do
+        m_free = {piece, kPiece};
+    }
+    return m_free.first(size);
 }
 
 }

@@ -26,12 +26,12 @@ Contents contentsOf(const MappedFile &file)
         file.index(), [&](quint32 slot) { return file.index().block(file.index().dataOffsetAt(slot)); });
 }
 
-// Reads the files into the writer; the first that cannot be read is told.
-int addFiles(UTIL_ResFileWriter &writer, const std::vector<PackItem> &items)
+// Reads the files for the writer, which they outlive; the first that cannot be read is told.
+int addFiles(UTIL_ResFileWriter &writer, platform::FileContents &files, const std::vector<PackItem> &items)
 {
     Progress progress(QStringLiteral("reading"), qsizetype(items.size()));
     for (const PackItem &item : items) {
-        const auto content = res::fileContent(item.path);
+        const auto content = files.read(item.path, res::kMaxResourceBytes);
         if (!content)
             return fail(QStringLiteral("%1: %2; nothing was written").arg(shown(item.path), content.error().text()));
         writer.add(item.id, *content);
@@ -51,8 +51,9 @@ int create(const Options &options)
     const auto items = itemsOf(options.otherPath());
     if (!items)
         return failAll(items.error());
+    platform::FileContents files;
     UTIL_ResFileWriter writer(options.path());
-    const int read = addFiles(writer, *items);
+    const int read = addFiles(writer, files, *items);
     return read == Done ? save(writer) : read;
 }
 
@@ -76,10 +77,11 @@ int add(const Options &options)
     }
     if (!conflicts.isEmpty())
         return failAll(conflicts);
+    platform::FileContents files;
     UTIL_ResFileWriter writer(options.path());
     for (const auto &[id, data] : contents) // which stay mapped
         writer.add(QString::fromLatin1(id), QByteArray::fromRawData(viewOf(*data).data(), viewOf(*data).size()));
-    const int read = addFiles(writer, *items);
+    const int read = addFiles(writer, files, *items);
     return read == Done ? save(writer) : read;
 }
 
