@@ -31,9 +31,11 @@ public:
     void pointAt(const QRect &end) // of the marked text: a line as high as its row
     {
         m_below = end.bottom() + kHandle < parentWidget()->height();
-        move(end.left() - kHandle / 2, m_below ? end.bottom() + 1 : end.top() - kHandle);
+        const int lowest = std::max(0, parentWidget()->height() - kHandle); // in a low field it lies over the row
+        move(end.left() - kHandle / 2, std::clamp(m_below ? end.bottom() + 1 : end.top() - kHandle, 0, lowest));
         m_middle = end.center();
     }
+    [[nodiscard]] bool isHeld() const { return m_held; }
 
 protected:
     void paintEvent(QPaintEvent *) override
@@ -156,9 +158,12 @@ void TouchSelection::put(Handle &handle, int offset)
 {
     const Cell cell = m_editor.layout.cell(offset, offset == m_editor.to());
     const QPoint top(m_editor.rowLeft(cell.row) + int(m_editor.layout.x(cell)), m_editor.rowTop(cell.row));
-    const QRect end(top, QSize(1, m_editor.layout.breaker().rowHeight()));
+    QRect end(top, QSize(1, m_editor.layout.breaker().rowHeight()));
+    const QRect seen = m_editor.editor.viewport()->rect();
+    if (m_editor.wordWrap == ZMultiLineEdit::WidgetWidth) // white space hangs over the edge
+        end.moveLeft(std::clamp(end.left(), 0, std::max(0, seen.right())));
     handle.pointAt(end);
-    handle.setVisible(m_editor.editor.viewport()->rect().intersects(end));
+    handle.setVisible(handle.isHeld() || seen.intersects(end)); // hidden, it would not see the pen go up
     handle.update();
 }
 
@@ -178,9 +183,16 @@ void TouchSelection::take(const Handle &handle)
 void TouchSelection::drag(QPoint place)
 {
     const ZMultiLineData::Operation operation(m_editor);
-    if (m_active && m_editor.layout.offset(m_editor.cellAt(place)) != m_editor.anchor)
-        m_editor.markTo(place);
+    if (!m_active)
+        return;
+    const bool inside = m_editor.editor.viewport()->rect().contains(place);
+    if (!inside || m_editor.layout.offset(m_editor.cellAt(place)) != m_editor.anchor)
+        return m_editor.markTo(place);
+    m_editor.pointer = place;
+    m_editor.editor.stopAutoScroll();
 }
+
+bool TouchSelection::isHeld() const { return m_glass != nullptr; }
 
 void TouchSelection::letGo()
 {

@@ -19,6 +19,7 @@ public:
     void begin(); // with what is marked now
     void end();
     void follow(); // after anything moved
+    [[nodiscard]] bool isHeld() const; // by one of its handles
 
 private:
     class Handle;

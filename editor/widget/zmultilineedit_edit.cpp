@@ -95,20 +95,31 @@ bool ZMultiLineData::insertTyped(const QString &typed, bool marked)
     return length > 0;
 }
 
-void ZMultiLineData::deleteRange(int from, int to)
+QString ZMultiLineData::deleteRange(int from, int to)
 {
     if (from >= to)
-        return;
-    const QString gone = text.text(from, to);
+        return {};
+    QString gone = text.text(from, to);
     removeText(from, to);
     record(new UTIL_DelTextCmd(from, gone));
+    return gone;
+}
+
+void ZMultiLineData::putBack()
+{
+    if (replaced.text.isEmpty())
+        return;
+    insertText(replaced.offset, replaced.text);
+    record(new UTIL_InsTextCmd(replaced.offset, replaced.text));
+    moveCursor({.offset = replaced.offset + int(replaced.text.size()), .exact = true});
+    replaced = {};
 }
 
 void ZMultiLineData::beginReplacing(bool exact)
 {
     record(new UTIL_BeginCommand);
     const int at = from();
-    deleteRange(at, to());
+    replaced = {at, deleteRange(at, to())};
     moveCursor({.offset = at, .exact = exact});
 }
 

@@ -46,9 +46,9 @@ void ZMultiLineEdit::inputMethodEvent(QInputMethodEvent *event)
     const bool refused = !d->confirm(*event);
     const bool goesOn = replaces && !confirms && !event->preeditString().isEmpty();
     if ((replaces || exchanges) && !goesOn) {
-        d->record(new UTIL_EndCommand);
         if (refused)
-            d->replay(true); // what was to be replaced stays, as when it is typed over
+            d->putBack(); // as when it is typed over
+        d->record(new UTIL_EndCommand);
     }
     if (!event->preeditString().isEmpty())
         d->compose(event->preeditString(), cursorOf(*event), goesOn);
@@ -59,7 +59,7 @@ bool ZMultiLineData::confirm(const QInputMethodEvent &event)
     if (event.replacementLength() > 0) {
         const qint64 start = qint64(cursor) + event.replacementStart();
         const int from = int(std::clamp<qint64>(start, 0, text.length()));
-        deleteRange(from, from + std::min(event.replacementLength(), text.length() - from));
+        replaced = {from, deleteRange(from, from + std::min(event.replacementLength(), text.length() - from))};
         moveCursor({.offset = from, .exact = true});
     }
     const QString &confirmed = event.commitString();

@@ -82,7 +82,8 @@ public:
     // With undo. What they cannot do, they leave.
     int insertLimited(int offset, const QString &text); // answers how much
     bool insertTyped(const QString &text, bool mark); // in the place of what is marked; false: it is refused
-    void deleteRange(int from, int to);
+    QString deleteRange(int from, int to); // what it was
+    void putBack(); // what was replaced
     void deleteMarked();
     void beginReplacing(bool exact); // opens a group, and takes away what is marked
     void moveMarked(int at);
@@ -182,6 +183,10 @@ public:
 
     RowLayout::Composition pending; // unconfirmed text, as the layout has it, once it is wrapped
     bool pendingReplaces = false; // marked text: a group is open until it is confirmed or dropped
+    struct {
+        int offset = 0;
+        QString text;
+    } replaced; // by what is being typed or composed
 
     // Replaying and typing.
     bool replaying = false; // limits and filters do not hold

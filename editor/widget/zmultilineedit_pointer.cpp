@@ -83,6 +83,8 @@ void ZMultiLineData::markWordAt(QPoint place)
 {
     const TextModel::Place at = text.place(layout.offset(cellAt(place)));
     const int start = text.start(at.paragraph);
+    if (echoMode != ZMultiLineEdit::Normal) // where its words end is nobody's business
+        return mark(start, start + int(text.paragraph(at.paragraph).size()));
     const graphemes::Range word = graphemes::wordAt(text.paragraph(at.paragraph), at.column, wordClasses());
     mark(start + word.from, start + word.to);
 }
@@ -150,6 +152,7 @@ void ZMultiLineData::scrollStep()
     const bool marking = !dndPending;
     // What is being dragged stays marked: the cursor goes, the marks stay.
     const auto [on, first, last] = std::tuple(markIsOn, anchor, dragEnd);
+    const int before = cursor;
     if (pointer.y() < inside.top())
         moveRows(-1, marking);
     else if (pointer.y() > inside.bottom())
@@ -160,6 +163,10 @@ void ZMultiLineData::scrollStep()
         editor.cursorRight(marking);
     else
         editor.stopAutoScroll();
+    if (touch.isHeld() && !isMarked()) { // a handle always leaves something marked
+        moveCursor({.offset = before, .mark = true});
+        editor.stopAutoScroll();
+    }
     if (!marking) {
         markIsOn = on;
         anchor = first;

@@ -26,6 +26,7 @@ void ZMultiLineEdit::processCmd(ZMultiLineEditCommand *c, bool undo)
     const auto &command = static_cast<const UTIL_DelTextCmd &>(*c);
     if (command.str.isEmpty())
         return;
+    d->dropComposition(); // whose end is recorded
     const bool outer = std::exchange(d->replaying, true);
     const int from = command.offset;
     const int to = int(std::min<qint64>(qint64(from) + command.str.size(), INT_MAX));

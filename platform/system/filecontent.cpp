@@ -41,6 +41,7 @@ Result<QByteArray> readToEnd(int fd, qsizetype sizeHint, qint64 maxBytes)
             const qsizetype room = filled > 0 ? 2 * filled : sizeHint > 0 ? sizeHint + 1 : kFirstRoom;
             if (!isRoomFor(room))
                 return failed("read", ENOMEM);
+            bytes.reserve(room); // of just this size: by itself resize() takes up to twice as much
             bytes.resize(room);
         }
         const ssize_t count = ::read(fd, bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));

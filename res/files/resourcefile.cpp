@@ -83,7 +83,6 @@ std::optional<quint32> ResourceFile::dataOffsetOf(QByteArrayView id)
             return read.answer == Answer::Yes ? std::optional(read.dataOffset) : std::nullopt;
     }
     const ResIndex *tables = index();
-    m_fd.reset();
     const auto slot = tables ? tables->find(id) : std::nullopt;
     return slot ? std::optional(tables->dataOffsetAt(*slot)) : std::nullopt;
 }
@@ -93,8 +92,7 @@ const ResIndex *ResourceFile::index()
     if (!m_mapped && m_fd) {
         if (auto mapped = MappedFile::map(m_fd, m_tables))
             m_mapped.emplace(std::move(*mapped));
-        else
-            m_fd.reset();
+        m_fd.reset();
     }
     return m_mapped ? &m_mapped->index() : nullptr;
 }

@@ -48,7 +48,7 @@ public:
     [[nodiscard]] QString fileName() const;
     [[nodiscard]] QString getFileName() const { return fileName(); }
 
-    bool load(); // false: it cannot be opened or mapped, or its header or tables are wrong
+    bool load(); // false: it cannot be opened, or its header or tables are wrong
     void reset(); // no file and no name, as if nothing had been loaded
 
     bool exists(const QString &id) override;
