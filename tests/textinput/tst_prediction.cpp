@@ -50,6 +50,7 @@ private Q_SLOTS:
     void whatWasTypedComesFirst();
     void types_data();
     void types();
+    void digitsEndTheWord();
     void lettersWorkWithoutWords();
     void secretsAreNotLearnt();
     void theEditorsTextDecidesCapitals();
@@ -203,6 +204,18 @@ void TstPrediction::types()
     WordPrediction method;
     method.setPredictor(&predictor);
     QTEST(Script(method).play(keys), "out");
+}
+
+void TstPrediction::digitsEndTheWord()
+{
+    QVERIFY(make(aFewWords()));
+    Predictor predictor(keyletters::of(u"en"_s), Dictionary::open(kFile));
+    WordPrediction method;
+    method.setPredictor(&predictor);
+    QCOMPARE(Script(method).play(u"46"_s), u"[go]"_s);
+    for (int i = 0; i < 3; ++i)
+        method.nextShift(); // on the title strip
+    QCOMPARE(Script(method).play(u"5"_s), u"go5"_s);
 }
 
 void TstPrediction::lettersWorkWithoutWords()

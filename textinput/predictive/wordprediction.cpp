@@ -86,8 +86,11 @@ WordPrediction::Typing WordPrediction::press(int key, Time now)
     m_down = 0;
     const bool isSign = key == Qt::Key_Asterisk || key == Qt::Key_NumberSign || key == Qt::Key_0;
     const bool togglesWords = key == Qt::Key_NumberSign && hasWords();
-    if (!takesWords() && !togglesWords)
-        return out(m_letters.press(key, now));
+    if (!takesWords() && !togglesWords) {
+        const QString grown = accept(); // the title strip's shift may have gone on to digits
+        const Typing typing = m_letters.press(key, now);
+        return out({grown + typing.text, typing.key});
+    }
     if (isLetterKey(key) || isSign) {
         m_down = key;
         m_downSince = now;
