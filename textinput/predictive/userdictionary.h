@@ -12,7 +12,7 @@ public:
     static constexpr qsizetype kMostWords = 2000;
     static constexpr qsizetype kMostPairs = 3000;
     static constexpr qsizetype kLongestWord = 32; // UTF-16 units
-    static constexpr qsizetype kLargestFile = 256LL * 1024; // more than it can hold
+    static constexpr qsizetype kLargestFile = 1LL << 20; // more than it can hold
 
     explicit UserDictionary(const KeyLetters &letters) : m_letters(&letters) { }
 

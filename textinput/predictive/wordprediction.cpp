@@ -384,6 +384,4 @@ void WordPrediction::nextShift()
 {
     m_capital = false;
     m_letters.nextShift();
-    if (grows() && m_letters.shift() == MultiTap::Shift::Digits) // which would leave the word where nobody ends it
-        m_letters.nextShift();
 }
