@@ -11,8 +11,8 @@ namespace res {
 // or goes on asking: to map a file and touch its tables costs as much as some dozen system calls, and a program often
 // asks for one name. What was read is believed as little as a mapping.
 //
-// Until then the file is held open, so that it stays the one that was loaded when its name gets another. One that
-// changes its size meanwhile answers everything negatively.
+// Until then the file is held open, so that it stays the one that was loaded when its name gets another. Of one
+// that changes its size meanwhile, there is no data.
 class ResourceFile {
 public:
     static tl::expected<ResourceFile, LoadError> open(const QString &path);
