@@ -189,7 +189,7 @@ void TouchSelection::drag(QPoint place)
     if (!inside || m_editor.layout.offset(m_editor.cellAt(place)) != m_editor.anchor)
         return m_editor.markTo(place);
     m_editor.pointer = place;
-    m_editor.editor.stopAutoScroll();
+    m_editor.stopScrolling();
 }
 
 bool TouchSelection::isHeld() const { return m_glass != nullptr; }
