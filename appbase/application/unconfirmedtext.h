@@ -8,8 +8,8 @@
 #include <QWidget>
 
 // It stands underlined at the cursor and is no part of the editor's text yet. Each show() replaces what is shown;
-// nothing typed is lost: when the editor loses the focus or the pen sets its cursor, what stands there then is confirmed
-// as it is.
+// nothing typed is lost: when the editor loses the focus or the pen sets its cursor, what stands there then is
+// confirmed as it is.
 class UnconfirmedText : public QObject {
     Q_OBJECT
 

@@ -41,9 +41,9 @@ public:
     // See IMStateCmd for what there is; what an input method does not know it ignores. The widget may not exist yet.
     virtual void runCommand(const IMStateCmd &command) = 0;
 
-    // Keys of the phone, while the keyboard is shown: those that type, and Backspace; between the first of these and the
-    // confirmed text also those that move the cursor, Return and Enter. Only for an input method that says
-    // "keys": true of itself; the application does not get them then, and what is not used goes back by sendKey().
+    // Keys of the phone, while the keyboard is shown: those that type, and Backspace; between the first of these and
+    // the confirmed text also those that move the cursor, Return and Enter. Only for an input method that says "keys":
+    // true of itself; the application does not get them then, and what is not used goes back by sendKey().
     struct HardKey {
         int unicode = 0; // 0 or 0xFFFF: as the key says
         int key = 0; // Qt::Key

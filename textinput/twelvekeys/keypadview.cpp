@@ -163,7 +163,7 @@ void KeypadView::drawMode(QPainter &painter) const
 {
     painter.setPen(palette().color(QPalette::WindowText));
     const QRect place = modePlace();
-    painter.setFont(sized(font(), 15, true));
+    painter.setFont(sized(font(), 13, true)); // "ABC+" fits
     painter.drawText(place.adjusted(0, 2, 0, -place.height() / 2), Qt::AlignCenter, m_content.mode);
     painter.setFont(sized(font(), 11));
     if (m_content.keys)
