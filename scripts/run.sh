@@ -55,6 +55,6 @@ start phone-session
 echo "pictures: $phone/pictures"
 if $refresh; then
   mkdir -p "$project/docs/pictures"
-  cp "$phone"/pictures/{keyboard,notes,12-dark}.png "$project/docs/pictures/"
+  cp "$phone"/pictures/{keyboard,keypad-words,notes,12-dark}.png "$project/docs/pictures/"
   echo "copied into docs/pictures: look at them, then commit"
 fi
