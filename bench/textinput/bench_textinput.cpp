@@ -16,6 +16,8 @@
 #include <cstdio>
 #include <vector>
 
+extern "C" int plainRead(const volatile short *memory); // in a library of its own
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -85,11 +87,6 @@ void keys(Field &field)
         times[kTaps / 2], times[kTaps * 95 / 100], times[kTaps * 99 / 100], kTaps);
 }
 
-struct Plain {
-    volatile qint16 count = 3;
-};
-[[gnu::noipa]] int plainRead(const Plain &memory) { return memory.count; }
-
 template <typename Ask> double nanoseconds(Ask ask)
 {
     constexpr int kRounds = 20;
@@ -108,8 +105,8 @@ template <typename Ask> double nanoseconds(Ask ask)
 
 void questions(const ZInputMethodState &state)
 {
-    const Plain memory;
-    const double floor = nanoseconds([&] { return plainRead(memory); });
+    const volatile short memory = 3;
+    const double floor = nanoseconds([&] { return plainRead(&memory); });
     const double count = nanoseconds([&] { return state.getInputMethodCount(); });
     const double checked = nanoseconds([&] { return state.getIndexOfCheckedInputMethod(); });
     const double filter = nanoseconds([&] { return int(state.keyboardFilterEnabled()); });

@@ -75,9 +75,6 @@ qint16 coordinate(int value)
     return qint16(std::clamp<int>(value, std::numeric_limits<qint16>::min(), std::numeric_limits<qint16>::max()));
 }
 
-// The segment, or nothing when there is none.
-Bytes connected(ZInputMethodStateData &data) { return data.connectIMServer() ? data.bytes() : Bytes(); }
-
 }
 
 ZInputMethodState::ZInputMethodState() : d(std::make_unique<ZInputMethodStateData>()) { }
@@ -88,13 +85,13 @@ bool ZInputMethodState::isConnected() const { return d->connectIMServer(); }
 
 int ZInputMethodState::getInputMethodCount() const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     return segment.empty() ? -1 : load<qint16>(segment, imsegment::kCount);
 }
 
 bool ZInputMethodState::insertItem(const QUuid &method, const QString &name, bool system)
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty() || count(segment) == imsegment::kItems)
         return false;
     const int index = count(segment);
@@ -108,7 +105,7 @@ bool ZInputMethodState::insertItem(const QUuid &method, const QString &name, boo
 
 void ZInputMethodState::clearIMList()
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return;
     std::fill_n(segment.begin(), imsegment::kTableSize, std::byte{0});
@@ -118,19 +115,19 @@ void ZInputMethodState::clearIMList()
 
 int ZInputMethodState::findInputMethod(const QString &name) const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     return segment.empty() ? -1 : indexOf(segment, [&](Bytes item) { return loadText(nameOf(item)) == name; });
 }
 
 int ZInputMethodState::findInputMethod(const QUuid &method) const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     return segment.empty() ? -1 : indexOf(segment, method);
 }
 
 QMap<QUuid, QString> ZInputMethodState::getIMList(bool systemOnly) const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     QMap<QUuid, QString> list;
     for (int i = 0; !segment.empty() && i < count(segment); ++i) {
         if (!systemOnly || item(segment, i)[imsegment::kItemSystem] != std::byte{0})
@@ -141,19 +138,19 @@ QMap<QUuid, QString> ZInputMethodState::getIMList(bool systemOnly) const
 
 QUuid ZInputMethodState::imQuuid(int index) const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     return segment.empty() || !isReadable(index) ? QUuid() : identifier(item(segment, index));
 }
 
 QString ZInputMethodState::imName(int index) const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     return segment.empty() || !isReadable(index) ? QString() : loadText(nameOf(item(segment, index)));
 }
 
 bool ZInputMethodState::isSystemIM(int index) const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return false;
     return !isReadable(index) || item(segment, index)[imsegment::kItemSystem] != std::byte{0};
@@ -161,19 +158,19 @@ bool ZInputMethodState::isSystemIM(int index) const
 
 int ZInputMethodState::getIndexOfCheckedInputMethod() const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     return segment.empty() ? -1 : load<qint16>(segment, imsegment::kChecked);
 }
 
 void ZInputMethodState::setIndexOfCheckedInputMethod(const QUuid &method)
 {
-    if (const Bytes segment = connected(*d); !segment.empty())
+    if (const Bytes segment = d->connected(); !segment.empty())
         store(segment, imsegment::kChecked, qint16(indexOf(segment, method)));
 }
 
 bool ZInputMethodState::getCurrentOwner(int *id, QString *name) const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return false;
     if (id)
@@ -185,7 +182,7 @@ bool ZInputMethodState::getCurrentOwner(int *id, QString *name) const
 
 void ZInputMethodState::setCurrentOwner(int id, const QString &name)
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return;
     store(segment, imsegment::kOwner, qint32(id));
@@ -194,19 +191,19 @@ void ZInputMethodState::setCurrentOwner(int id, const QString &name)
 
 void ZInputMethodState::enableKeyboardFilter(bool enable)
 {
-    if (const Bytes segment = connected(*d); !segment.empty())
+    if (const Bytes segment = d->connected(); !segment.empty())
         segment[imsegment::kKeyboardFilter] = std::byte{enable};
 }
 
 bool ZInputMethodState::keyboardFilterEnabled() const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     return segment.empty() || segment[imsegment::kKeyboardFilter] != std::byte{0};
 }
 
 void ZInputMethodState::setEditContext(const QStringList &lines, int cursorLine, int cursorPosition)
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return;
     ZInputMethodEditContext context;
@@ -216,7 +213,7 @@ void ZInputMethodState::setEditContext(const QStringList &lines, int cursorLine,
 
 ZInputMethodEditContext ZInputMethodState::getEditContext() const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return {};
     return ZInputMethodEditContext(segment.subspan<imsegment::kContext, imsegment::kContextSize>());
@@ -224,7 +221,7 @@ ZInputMethodEditContext ZInputMethodState::getEditContext() const
 
 void ZInputMethodState::setEditCursor(QPoint position)
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return;
     store(segment, imsegment::kCursorX, coordinate(position.x()));
@@ -233,7 +230,7 @@ void ZInputMethodState::setEditCursor(QPoint position)
 
 QPoint ZInputMethodState::editCursor() const
 {
-    const Bytes segment = connected(*d);
+    const Bytes segment = d->connected();
     if (segment.empty())
         return {};
     return {load<qint16>(segment, imsegment::kCursorX), load<qint16>(segment, imsegment::kCursorY)};

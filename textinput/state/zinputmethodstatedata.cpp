@@ -66,12 +66,14 @@ bool ZInputMethodStateData::attach(int flags)
     if (!segment || segment->bytes().size() < imsegment::kSize)
         return false;
     m_segment.emplace(std::move(*segment));
+    m_bytes = m_segment->bytes().first(imsegment::kSize);
     m_id = *id;
     return true;
 }
 
 void ZInputMethodStateData::disconnectIMServer()
 {
+    m_bytes = {};
     m_segment.reset();
     if (m_server) {
         std::ignore = ShmAttachment::remove(m_id);
@@ -80,9 +82,4 @@ void ZInputMethodStateData::disconnectIMServer()
     }
     m_id = -1;
     m_server = false;
-}
-
-std::span<std::byte> ZInputMethodStateData::bytes() const
-{
-    return m_segment ? m_segment->bytes().first(imsegment::kSize) : std::span<std::byte>();
 }

@@ -20,13 +20,21 @@ public:
 
     [[nodiscard]] bool isServer() const { return m_server; }
     // As many as the layout has. Empty without a connection.
-    [[nodiscard]] std::span<std::byte> bytes() const;
+    [[nodiscard]] std::span<std::byte> bytes() const { return m_bytes; }
+    // The same, after connecting where there is no connection: what each question begins with, so it is inline.
+    [[nodiscard]] std::span<std::byte> connected()
+    {
+        if (m_bytes.empty()) [[unlikely]]
+            connectIMServer();
+        return m_bytes;
+    }
 
 private:
     bool becomeServer();
     bool attach(int flags);
 
     std::optional<platform::ShmAttachment> m_segment;
+    std::span<std::byte> m_bytes; // of it
     int m_id = -1;
     bool m_server = false;
 };
