@@ -234,6 +234,8 @@ void TstBusBroker::endingBrokerWaitsForSlowReaders()
     const QByteArray data(100'000, 'd');
     for (int i = 0; i < 20; ++i) // more than its socket holds
         QVERIFY(m_bystander->send("slow", "m", data));
+    m_bystander->open("behind them");
+    QTRY_VERIFY((m_broker->process(), m_broker->isRegistered("behind them")));
 
     int messages = 0;
     std::thread reading([&] {
