@@ -41,6 +41,10 @@ QString keyText(const KeyStroke &stroke)
         const auto character = static_cast<char32_t>(stroke.unicode);
         return QString::fromUcs4(&character, 1);
     }
+    // As on a desktop: an editor does not take it for a letter.
+    const bool isLetter = stroke.keycode >= Qt::Key_A && stroke.keycode <= Qt::Key_Z;
+    if (isLetter && stroke.modifiers & Qt::ControlModifier)
+        return QChar(static_cast<char16_t>(stroke.keycode - Qt::Key_A + 1));
     // Key codes of letters are those of the capitals.
     if (stroke.keycode >= Qt::Key_Space && stroke.keycode <= Qt::Key_ydiaeresis) {
         const QChar capital(static_cast<char16_t>(stroke.keycode));

@@ -395,7 +395,8 @@ bool ZIMServerData::isExternal() const
 ZIMServerData::Taker ZIMServerData::takerOf(const ZInputMethodPlugin::HardKey &key) const
 {
     constexpr int kFirstWithoutCharacter = 0x0100'0000; // of Qt::Key
-    const bool types = key.key < kFirstWithoutCharacter || key.key == Qt::Key_Backspace;
+    const bool hasCharacter = key.key < kFirstWithoutCharacter || key.key == Qt::Key_Backspace;
+    const bool types = hasCharacter && !key.modifiers.testFlag(Qt::ControlModifier);
     const InputMethodInfo *info = methods.find(current);
     const bool takesKeys =
         info && !menu.isVisible() && info->keys && window != 0 && host.isReady() && state.keyboardFilterEnabled();

@@ -54,6 +54,8 @@ void TstInput::keysArriveWhole_data()
     QTest::newRow("letter by its code") << 0 << int(Qt::Key_A) << 0 << seen(Qt::Key_A, "61");
     QTest::newRow("with shift") << 0 << int(Qt::Key_A) << int(Qt::ShiftModifier)
                                 << seen(Qt::Key_A, "41", Qt::ShiftModifier);
+    QTest::newRow("with control, no letter")
+        << 0 << int(Qt::Key_A) << int(Qt::ControlModifier) << seen(Qt::Key_A, "01", Qt::ControlModifier);
     QTest::newRow("Chinese") << 0x4E2D << int(Qt::Key_unknown) << 0 << seen(Qt::Key_unknown, "e4b8ad");
     QTest::newRow("outside the first plane")
         << 0x1F600 << int(Qt::Key_unknown) << 0 << seen(Qt::Key_unknown, "f09f9880");
