@@ -92,7 +92,7 @@ void RowLayout::rebreak(int paragraph, RowBreaker::Kept kept)
     const bool again = mayCut(paragraph) && couldCut;
     m_rows.change(paragraph, 1, [&](Rows &rows) {
         if (again)
-            rows.ends = m_breaker.rowsAgain(m_breaker.shown(shownText(paragraph)), rows.ends, kept);
+            rows = Rows(m_breaker.rowsAgain(m_breaker.shown(shownText(paragraph)), rows.ends, kept));
         else
             rows = broken(paragraph);
     });

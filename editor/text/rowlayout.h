@@ -80,6 +80,20 @@ public:
 private:
     struct Rows {
         ParagraphRows ends;
+
+        Rows() = default;
+        Rows(ParagraphRows &&rows) noexcept : ends(std::move(rows)) { }
+        Rows(const Rows &) = default;
+        Rows(Rows &&) noexcept = default;
+        ~Rows() = default;
+        Rows &operator=(const Rows &) = default;
+        // The toolkit's array forgets to free what it has when another one is moved into it.
+        Rows &operator=(Rows &&other) noexcept
+        {
+            std::swap(ends, other.ends);
+            return *this;
+        }
+
         [[nodiscard]] int measure() const { return int(ends.size()); }
         [[nodiscard]] int peak() const
         {
