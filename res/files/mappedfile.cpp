@@ -1,7 +1,6 @@
 #include "res/files/mappedfile.h"
 
 #include <QFile>
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -15,27 +14,29 @@ namespace {
 LoadError mapError(const platform::SysError &error) { return {LoadError::Map, error}; }
 LoadError formatError(FormatFault fault) { return {LoadError::Format, {}, fault}; }
 
-}
-
-Bytes readAt(const platform::Fd &fd, quint64 offset, std::span<std::byte> buffer)
+tl::expected<quint64, LoadError> sizeOf(const FileFront &front)
 {
-    const ssize_t got = ::pread(fd.get(), buffer.data(), buffer.size(), off_t(offset));
-    return buffer.first(size_t(std::max<ssize_t>(got, 0)));
-}
-
-tl::expected<FileTables, LoadError> tablesOf(const platform::Fd &fd, Version version)
-{
+    if (const auto whole = front.whole())
+        return whole->size();
     struct stat status = {};
-    if (::fstat(fd.get(), &status) != 0)
+    if (::fstat(front.fd().get(), &status) != 0)
         return tl::make_unexpected(mapError({"fstat", errno}));
     if (!S_ISREG(status.st_mode))
         return tl::make_unexpected(mapError({"mmap", ENODEV}));
+    return quint64(status.st_size);
+}
+
+}
+
+tl::expected<FileTables, LoadError> tablesOf(const FileFront &front, Version version)
+{
+    const auto size = sizeOf(front);
+    if (!size)
+        return tl::make_unexpected(size.error());
     std::array<std::byte, size_t(kFixedHeaderSize)> header;
     std::array<std::byte, startblock::size> block;
-    return FileTables::startBlockOf(readAt(fd, 0, header), version)
-        .and_then([&](quint32 start) {
-            return FileTables::parse(quint64(status.st_size), start, readAt(fd, start, block), version);
-        })
+    return FileTables::startBlockOf(front.at(0, header), version)
+        .and_then([&](quint32 start) { return FileTables::parse(*size, start, front.at(start, block), version); })
         .map_error(formatError);
 }
 
@@ -69,11 +70,11 @@ platform::Result<MappedFile> MappedFile::map(const platform::Fd &fd, const FileT
 
 tl::expected<MappedFile, LoadError> MappedFile::open(const QString &path, Version version)
 {
-    const auto fd = openFile(path);
-    if (!fd)
-        return tl::make_unexpected(fd.error());
-    return tablesOf(*fd, version).and_then([&](const FileTables &tables) {
-        return map(*fd, tables).map_error(mapError);
+    return openFile(path).and_then([&](platform::Fd &&fd) {
+        const FileFront front(std::move(fd));
+        return tablesOf(front, version).and_then([&](const FileTables &tables) {
+            return map(front.fd(), tables).map_error(mapError);
+        });
     });
 }
 

@@ -1,10 +1,9 @@
 // A resource or skin file in memory.
 #pragma once
 
-#include "platform/system/fd.h"
 #include "platform/system/mapping.h"
 #include "platform/tyxexport.h"
-#include "res/format/resindex.h"
+#include "res/files/filefront.h"
 
 #include <QString>
 
@@ -43,10 +42,7 @@ private:
 tl::expected<platform::Fd, LoadError> openFile(const QString &path);
 
 // Where everything is in a file, by reading a few bytes of it. The fault is one of Map or Format.
-tl::expected<FileTables, LoadError> tablesOf(const platform::Fd &fd, Version version);
-
-// As much of `buffer` as the file has from there on.
-Bytes readAt(const platform::Fd &fd, quint64 offset, std::span<std::byte> buffer);
+tl::expected<FileTables, LoadError> tablesOf(const FileFront &front, Version version);
 
 // The bytes of any file, for who wants to look at one that does not load.
 TYX_EXPORT tl::expected<platform::Mapping, LoadError> mapFile(const QString &path);

@@ -60,8 +60,7 @@ bool ResReaderData::getDataAtOffset(quint32 offset, const char *&data, unsigned 
 {
     data = nullptr;
     length = 0;
-    const ResIndex *tables = index();
-    const auto block = tables ? tables->block(offset) : tl::make_unexpected(BlockFault::Check);
+    const auto block = m_file ? m_file->block(offset) : std::nullopt;
     if (!block)
         return false;
     data = reinterpret_cast<const char *>(block->data());

@@ -267,6 +267,17 @@ void TstResFiles::aFileThatIsCutShort()
         QVERIFY(!reader.exists(u"a"_s));
         fill(kFile, before);
     }
+
+    // What was small enough to be read stays, wherever it stood.
+    writeFile<ZResFileWriter>({{u"a"_s, QByteArray(10'000, 'x')}, {u"b"_s, "small"}});
+    ZResFileReader reader(kFile);
+    const char *data = nullptr;
+    unsigned int length = 0;
+    QVERIFY(reader.get(u"b"_s, data, length));
+    QVERIFY(QFile::resize(kFile, 0));
+    QCOMPARE(QByteArray(data, qsizetype(length)), QByteArray("small"));
+    QCOMPARE(dataOf(reader, u"b"_s), QByteArray("small"));
+    QCOMPARE(dataOf(reader, u"a"_s), QByteArray("(none)"));
 }
 
 void TstResFiles::theIconsOfThePhone()
