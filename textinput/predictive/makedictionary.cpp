@@ -87,7 +87,7 @@ int main(int argc, char **argv)
         return fail(list.fileName() + QStringLiteral(": ") + list.errorString());
     QSaveFile out(QFile::decodeName(argv[3]));
     const QByteArray bytes = dictionary(keyletters::of(QString::fromLatin1(argv[1])), list);
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.flush() || !out.commit())
         return fail(out.fileName() + QStringLiteral(": ") + out.errorString());
     return 0;
 }

@@ -66,7 +66,8 @@ int saveTo(const std::string &file, const QByteArray &bytes)
     }
     const QString name = QFile::decodeName(file.c_str());
     QSaveFile out(name);
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
+    // commit() does not see that what was buffered found no room: it would put a half file in place of the old one.
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.flush() || !out.commit())
         return fail(printable(name.toUtf8()) + QStringLiteral(": cannot be written: ") + out.errorString());
     return Done;
 }
