@@ -64,7 +64,10 @@ public:
 
     void tell(const QString &line)
     {
+        constexpr int kMostLines = 200; // each new line lays all of them out again
         m_log.addItem(line);
+        if (m_log.count() > kMostLines)
+            delete m_log.takeItem(0);
         m_log.scrollToBottom();
         std::printf("%s\n", qUtf8Printable(line));
         std::fflush(stdout);
