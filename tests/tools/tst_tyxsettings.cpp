@@ -94,6 +94,11 @@ void TstTyxSettings::namesWhatFails()
     QVERIFY(QDir().rmdir(kSystem));
     QCOMPARE(outcome.status, 3);
     QCOMPARE(outcome.err, "tyx: /setup/tyx_system.cfg: open: Is a directory; make it a file that can be read\n");
+    QVERIFY(QDir().mkpath(kCopy + u".new"_s));
+    const Outcome halfSet = settings({u"set"_s, u"input-language"_s, u"7"_s});
+    QVERIFY(QDir().rmdir(kCopy + u".new"_s) && QFile::remove(kSystem));
+    QCOMPARE(halfSet.status, 3);
+    QVERIFY2(halfSet.err.startsWith("tyx: /tmp/tyx_system.cfg: could not be saved"), halfSet.err.constData());
     const Outcome listed = settings({u"list"_s});
     QVERIFY(listed.out.contains("\nlock-code = ****\n") && listed.out.contains("\nbluetooth = off\n"));
 }

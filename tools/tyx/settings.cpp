@@ -2,6 +2,7 @@
 #include "tools/tyx/settings.h"
 
 #include "appbase/config/configfile.h"
+#include "appbase/config/zconfig.h"
 #include "settings/files/settingaccess.h"
 #include "settings/files/settingkeys.h"
 #include "settings/files/settingswatch.h"
@@ -151,8 +152,11 @@ std::optional<QString> parsed(const Row &row, const QString &value)
 }
 
 // Why a setting could not be saved: its file, what is wrong with it, and what to do.
-QString whyNotSaved(const Row &row)
+QString whyNotSaved(const Row &row, const QString &text)
 {
+    const auto has = [&](const QString &file) {
+        return ZConfig(file, false).readEntry(row.place.group.toString(), row.key.toString()) == text;
+    };
     const QString maker = row.place.file == settings::File::FlexBits ? QStringLiteral("the maker of the phone")
                                                                      : QStringLiteral("tyx-guiserver");
     for (const QString &file : {settings::fileName(row.place.file), settings::copyName(row.place.file)}) {
@@ -167,8 +171,10 @@ QString whyNotSaved(const Row &row)
         if (!folder.isWritable())
             return QStringLiteral("%1: could not be saved; make its folder writable").arg(file);
     }
+    // The copy comes last: where the file has the value, it is the copy that has not.
+    const bool isCopy = row.place.copy != settings::Copy::None && has(settings::fileName(row.place.file));
     return QStringLiteral("%1: could not be saved; check that the disk is not full, and that nobody holds %1.new")
-        .arg(settings::fileName(row.place.file));
+        .arg(isCopy ? settings::copyName(row.place.file) : settings::fileName(row.place.file));
 }
 
 int set(const Options &options) { return setSetting(options.name, options.value); }
@@ -355,7 +361,7 @@ int setSetting(const std::string &name, const std::string &value)
     if (!text)
         return refuse(
             QStringLiteral("%1: \"%2\" is not one of its values: %3").arg(nameOf(*row), printable(value), range(*row)));
-    return settings::writeText(*row, *text) ? int(Done) : fail(whyNotSaved(*row));
+    return settings::writeText(*row, *text) ? int(Done) : fail(whyNotSaved(*row, *text));
 }
 
 void addSettings(CLI::App &app, int &exit)
