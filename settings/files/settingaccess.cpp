@@ -105,12 +105,26 @@ bool isChangeable(const QString &file)
 
 namespace {
 
+bool hasText(const QString &fileName, const Row &row, const QString &text)
+{
+    SETUP_SET_Manager file(fileName, false);
+    QString stored;
+    file.getSettingInfo(literal(row.place.group), literal(row.key), stored, QStringLiteral("\n"), false);
+    return stored == text; // no text that can be stored is a line feed
+}
+
 bool writeInto(const QString &fileName, const Row &row, const QString &text)
 {
     if (!isChangeable(fileName))
         return false;
-    SETUP_SET_Manager file(fileName, true);
-    return file.setSettingInfo(literal(row.place.group), literal(row.key), text, false);
+    {
+        SETUP_SET_Manager file(fileName, true);
+        if (file.setSettingInfo(literal(row.place.group), literal(row.key), text, false))
+            return true;
+    }
+    // What could not be saved, the object tried once more when it went. The caller has to know of it, and so has the
+    // working copy.
+    return hasText(fileName, row, text);
 }
 
 bool follow(Effect effect, const QString &text)

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void setsAndGets_data();
     void setsAndGets();
     void namesWhatFails();
+    void whatASecondTrySavesIsDone();
     void writesTheCopyAndTellsTheInputMethods();
     void describesEverySettingAsTheDocumentDoes();
     void watches();
@@ -101,6 +102,18 @@ void TstTyxSettings::namesWhatFails()
     QVERIFY2(halfSet.err.startsWith("tyx: /tmp/tyx_system.cfg: could not be saved"), halfSet.err.constData());
     const Outcome listed = settings({u"list"_s});
     QVERIFY(listed.out.contains("\nlock-code = ****\n") && listed.out.contains("\nbluetooth = off\n"));
+}
+
+void TstTyxSettings::whatASecondTrySavesIsDone()
+{
+    if (run(u"strace"_s, {u"-o"_s, u"/dev/null"_s, u"true"_s}).status != 0)
+        QSKIP("nothing can be traced here (strace is missing or ptrace is forbidden)");
+    const Outcome outcome = run(u"strace"_s,
+        {u"-o"_s, u"/dev/null"_s, u"-e"_s, u"inject=fsync:error=ENOSPC:when=1"_s,
+            QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), u"settings"_s, u"set"_s, u"input-language"_s, u"7"_s});
+    QCOMPARE(outcome.status, 0);
+    for (const QString &file : {kSystem, kCopy})
+        QCOMPARE(content(file), "[SYS_SYSTEM_SET]\npreferedInputLanguage = 7\n");
 }
 
 void TstTyxSettings::writesTheCopyAndTellsTheInputMethods()
