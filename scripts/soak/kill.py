@@ -44,9 +44,12 @@ class Writer(threading.Thread):
             self.stopped.wait(self.random.uniform(0, 0.1))
 
     def kill(self):
+        """Whether there was a process to kill."""
         process = self.process
-        if process and process.poll() is None:
-            process.kill()
+        if not process or process.poll() is not None:
+            return False
+        process.kill()
+        return True
 
 
 class KillTrial:
@@ -187,8 +190,7 @@ class KillTrial:
 
     def kill_tool(self):
         name = self.random.choice(list(self.writers))
-        self.writers[name].kill()
-        return f"tool, {name}", 0.0
+        return (f"tool, {name}", 0.0) if self.writers[name].kill() else None
 
     def kill_locker(self):
         """Who holds the registry lock is killed: the next one has it, at the latest when its child has ended too."""
