@@ -78,17 +78,21 @@ class KillTrial:
         if rng.random() < 0.4:
             return ["touch", "tap", "40", "302"]
         if rng.random() < 0.1:
+            return ["im", rng.choice(["show", "hide", "hide"])]
+        if rng.random() < 0.1:
             return ["keys", "flip", rng.choice(["open", "close"])]
         return ["keys", "type", "".join(rng.choices("0123456789*#", k=rng.randint(1, 8)))]
 
     def start_phone(self):
-        took = self.phone.start_server()
+        """The seconds until all of it is there."""
+        begin = time.monotonic()
+        self.phone.start_server()
         self.trial.check(self.phone.server.poll() is None,
                          f"the server ended at its start with status {self.phone.server.returncode}")
         for name in APPLICATIONS:
             self.phone.start_application(name)
         self.trial.until("the process of the input methods is there", self.host)
-        return took
+        return time.monotonic() - begin
 
     def host(self):
         found = re.search(r"^ *(\d+)  TYX/IMHost$", self.phone.tyx("bus", "list").stdout, re.M)
@@ -188,6 +192,16 @@ class KillTrial:
         self.phone.must("share", "dump", "SkinImage", "/tmp/skin.png")
         return "server", took
 
+    def kill_all(self):
+        """As a battery that is taken out, but that /tmp and the System V objects stay."""
+        for name in self.random.sample(list(self.writers), 3):
+            self.writers[name].kill()
+        for process in self.random.sample(list(self.phone.running.values()), len(self.phone.running)):
+            process.kill()
+        for process in self.phone.running.values():
+            process.wait()
+        return "all programs at once", self.start_phone()
+
     def kill_tool(self):
         name = self.random.choice(list(self.writers))
         return (f"tool, {name}", 0.0) if self.writers[name].kill() else None
@@ -219,7 +233,7 @@ class KillTrial:
         self.start_phone()
         self.answers()
         kinds = [(self.kill_application, 6), (self.kill_tool, 8), (self.kill_server, 3), (self.kill_host, 3),
-                 (self.kill_locker, 3)]
+                 (self.kill_locker, 3), (self.kill_all, 2)]
         for writer in self.writers.values():
             writer.start()
         time.sleep(1)
@@ -263,9 +277,8 @@ class KillTrial:
             trial.row(f"SIGKILL: {what}", times, self.failed.get(what, 0), note)
         trial.row("values, notes, messages that were acknowledged", sum(w.done for w in self.writers.values()), self.lost,
                   f"{saved} notes saved, {waiting} messages wait, keys and taps came {self.writers['keys'].done} times")
-        trial.row("System V objects before and after", sum(after.values()), int(leaked),
-                  f"{baseline} before, {after} after; {memory} KiB of the first server, {memory_last} KiB of the last; "
-                  f"{self.stuck_locks} locks that their maker died over were removed by hand")
+        trial.row("System V objects at the end", sum(after.values()), int(leaked), f"{sum(baseline.values())} before; the "
+                  f"first server had {memory} KiB, the last {memory_last} KiB; {self.stuck_locks} locks that their maker died over were removed by hand")
 
 
 run(lambda trial: KillTrial(trial).run())

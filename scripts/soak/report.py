@@ -18,12 +18,10 @@ ABOUT = {
 
 
 def machine():
-    with open("/proc/cpuinfo", encoding="ascii", errors="replace") as file:
-        model = re.search(r"model name\s*: (.*)", file.read())
     with open("/proc/meminfo", encoding="ascii") as file:
         memory = int(re.search(r"MemTotal: *(\d+)", file.read())[1]) / 1024 / 1024
     load = os.getloadavg()[2]
-    return (f"{os.cpu_count()} processors ({model[1] if model else 'unknown'}), {memory:.0f} GiB, Linux "
+    return (f"{os.cpu_count()} processors ({os.uname().machine}), {memory:.0f} GiB, Linux "
             f"{os.uname().release.split('-')[0]}; load over the last 15 minutes {load:.1f}")
 
 
