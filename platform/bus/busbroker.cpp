@@ -130,7 +130,7 @@ void BusBroker::Data::refuse(Fd socket, const char *reason)
     bus::SendBuffer out;
     bus::putGoodbye(out.tail(), reason);
     out.flush(socket.get()); // into an empty socket buffer: it fits
-    qWarning("bus: a client was refused: %s", reason);
+    warn(QByteArray("a client was refused: ") + reason);
 }
 
 void BusBroker::Data::receive(Peer &peer)

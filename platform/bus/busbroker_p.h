@@ -5,6 +5,7 @@
 #include "platform/bus/busloop.h"
 #include "platform/bus/buspeer.h"
 #include "platform/bus/busroutes.h"
+#include "platform/bus/warninglimit.h"
 
 #include <sys/epoll.h>
 #include <vector>
@@ -47,6 +48,7 @@ struct BusBroker::Data {
     void touch(Peer &peer); // after something was put into its send buffer
     void dismiss(Peer &peer, const char *reason);
     void forget(Peer &peer);
+    void warn(const QByteArray &text);
 
     BusOptions options;
     bus::Listener listener;
@@ -63,6 +65,7 @@ struct BusBroker::Data {
     QList<Peer *> observers;
     QList<Peer *> touched;
     bool someGone = false;
+    bus::WarningLimit warnings;
     QByteArray scratch; // one read of any peer
 };
 

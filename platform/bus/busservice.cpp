@@ -158,7 +158,7 @@ void BusBroker::Data::dismiss(Peer &peer, const char *reason)
 {
     if (peer.phase == Peer::Phase::Leaving || peer.phase == Peer::Phase::Gone)
         return;
-    qWarning("bus: the client with process id %u is sent away: %s", peer.identity.pid, reason);
+    warn("the client with process id " + QByteArray::number(peer.identity.pid) + " is sent away: " + reason);
     forget(peer);
     peer.phase = Peer::Phase::Leaving;
     peer.deadline = bus::Clock::now() + options.farewellWait;
@@ -168,6 +168,15 @@ void BusBroker::Data::dismiss(Peer &peer, const char *reason)
     rewatch(peer);
     touch(peer);
     armTimer();
+}
+
+void BusBroker::Data::warn(const QByteArray &text)
+{
+    const auto [tell, untold] = warnings.ask(bus::Clock::now());
+    if (untold > 0)
+        qWarning("bus: %d more clients were refused or sent away", untold);
+    if (tell)
+        qWarning("bus: %s", text.constData());
 }
 
 void BusBroker::Data::forget(Peer &peer)

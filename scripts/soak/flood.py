@@ -17,6 +17,7 @@ LARGEST = 1024 * 1024 - 4  # bytes of a message frame after its length
 CLIENTS = 256
 # Of the server's memory: what its allocator keeps of a flood, no matter how often that comes.
 GROWTH_KIB = 24 * 1024
+LOG_KIB = 256
 
 
 class Probe(threading.Thread):
@@ -259,6 +260,9 @@ class FloodTrial:
         held = trial.check(memory[-1] < first + GROWTH_KIB, f"the server's memory grew from {first} to {memory} KiB")
         trial.row("memory of the server", turns, 0 if held else 1, "; ".join(
             [f"before {first} KiB", *(f"after flood {i + 1}: {m} KiB" for i, m in enumerate(memory))]))
+        size = os.path.getsize(f"{trial.out}/tyx-guiserver.log") // 1024
+        short = trial.check(size < LOG_KIB, f"the server's log has {size} KiB")
+        trial.row("KiB in the log of the server", size, 0 if short else 1)
         self.phone.shut_down()
 
 

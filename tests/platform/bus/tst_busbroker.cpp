@@ -1,5 +1,6 @@
 // The broker with clients that misbehave: each is told why and sent away, and the others do not notice.
 #include "platform/bus/buslink.h"
+#include "platform/bus/warninglimit.h"
 #include "tests/support/rawbusclient.h"
 
 #include <QTest>
@@ -30,6 +31,7 @@ private Q_SLOTS:
     void channelsOfAClientAreLimited();
     void leavingClientsAreForgotten();
     void endingBrokerWaitsForSlowReaders();
+    void floodOfWarningsIsCut();
 
 private:
     void listen(const BusOptions &options);
@@ -245,6 +247,27 @@ void TstBusBroker::endingBrokerWaitsForSlowReaders()
     m_broker.reset();
     reading.join();
     QCOMPARE(messages, 20);
+}
+
+void TstBusBroker::floodOfWarningsIsCut()
+{
+    WarningLimit limit;
+    std::chrono::steady_clock::time_point now(1h);
+    const auto told = [&](int warnings) {
+        int count = 0;
+        for (int i = 0; i < warnings; ++i)
+            count += limit.ask(now).tell ? 1 : 0;
+        return count;
+    };
+    QCOMPARE(told(1000), 20);
+    now += 9s;
+    QCOMPARE(told(5), 0);
+    now += 1s;
+    QCOMPARE(limit.ask(now).untold, 985);
+    QCOMPARE(told(1000), 19);
+    now += 20s;
+    QCOMPARE(limit.ask(now).untold, 981);
+    QCOMPARE(limit.ask(now).untold, 0);
 }
 
 QTEST_GUILESS_MAIN(TstBusBroker)
