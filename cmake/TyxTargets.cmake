@@ -8,8 +8,8 @@ target_compile_definitions(tyx_options INTERFACE
   QT_USE_QSTRINGBUILDER _FILE_OFFSET_BITS=64)
 # The handset's processor rotates an unaligned word instead of loading it: such a cast is an error everywhere.
 target_compile_options(tyx_options INTERFACE
-  -Wall -Wextra -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
-  $<$<CXX_COMPILER_ID:GNU>:-Wcast-align=strict> -Werror=cast-align
+  -Wall -Wextra -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
+  -Werror=cast-align $<$<CXX_COMPILER_ID:GNU>:-Wcast-align=strict> # in this order: by itself the former is the plain one
   $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion> # as GCC's -Wconversion, which the builds use
   $<$<BOOL:${TYX_WERROR}>:-Werror>
   -ffunction-sections -fdata-sections)

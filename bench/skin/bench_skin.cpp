@@ -1,4 +1,6 @@
 // Cutting a picture out of a skin, beside copying its pixels by hand and beside the toolkit's own way.
+#include "res/share/pixelrow.h"
+
 #include <QBitmap>
 #include <QGuiApplication>
 #include <QPainter>
@@ -63,8 +65,8 @@ QPixmap byHand(const QImage &atlas, const QImage &mask)
 {
     QImage result(kPicture.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < kPicture.height(); ++y) {
-        auto *target = reinterpret_cast<QRgb *>(result.scanLine(y));
-        const auto *source = reinterpret_cast<const QRgb *>(atlas.constScanLine(kPicture.y() + y)) + kPicture.x();
+        auto *target = res::pixelRow(result, y);
+        const auto *source = res::pixelRow(atlas, kPicture.y() + y) + kPicture.x();
         const uchar *bits = mask.constScanLine(kPicture.y() + y);
         for (int x = 0; x < kPicture.width(); ++x) {
             const int column = kPicture.x() + x;

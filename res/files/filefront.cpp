@@ -24,7 +24,7 @@ FileFront::FileFront(platform::Fd fd)
 Bytes FileFront::at(quint64 offset, std::span<std::byte> buffer) const
 {
     if (offset + buffer.size() <= m_size)
-        return {m_bytes.get() + offset, buffer.size()};
+        return {m_bytes.get() + std::size_t(offset), buffer.size()};
     return buffer.first(read(m_fd, offset, buffer));
 }
 

@@ -28,7 +28,7 @@ Answer isAt(const FileFront &front, const FileTables &tables, quint32 idOffset, 
     if (position > tables.fileSize)
         return Answer::No;
     std::array<std::byte, kLongestIdRead + 1> buffer;
-    const std::size_t wanted = std::min(tables.fileSize - position, quint64(id.size()) + 1);
+    const auto wanted = static_cast<std::size_t>(std::min(tables.fileSize - position, quint64(id.size()) + 1));
     const Bytes text = front.at(position, std::span(buffer).first(wanted));
     if (text.size() < wanted)
         return Answer::Unclear;
@@ -121,7 +121,7 @@ std::optional<Bytes> ResourceFile::readBlock(quint32 offset)
     if (position + datablock::header > m_tables.fileSize)
         return {};
     std::array<std::byte, kBlockRead> buffer;
-    const std::size_t wanted = std::min<quint64>(m_tables.fileSize - position, kBlockRead);
+    const auto wanted = static_cast<std::size_t>(std::min<quint64>(m_tables.fileSize - position, kBlockRead));
     const Bytes block = m_front.at(position, std::span(buffer).first(wanted));
     if (block.size() < datablock::header || loadWord(block.data() + datablock::check) != kDataBlockCheck)
         return {};

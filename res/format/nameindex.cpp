@@ -12,7 +12,7 @@ class Key {
 public:
     explicit Key(quint32 hash) : m_value(0xCBF29CE484222325U ^ hash) { }
     void add(uchar byte) { m_value = (m_value ^ byte) * 0x100000001B3U; }
-    [[nodiscard]] quint64 ofSize(std::size_t size) const { return m_value ^ size << 48; }
+    [[nodiscard]] quint64 ofSize(std::size_t size) const { return m_value ^ quint64(size) << 48; }
 
 private:
     quint64 m_value;

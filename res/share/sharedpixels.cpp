@@ -1,6 +1,7 @@
 #include "res/share/sharedpixels.h"
 
 #include "res/files/imagedecoder.h"
+#include "res/share/pixelrow.h"
 
 #include <algorithm>
 #include <cstring>
@@ -23,7 +24,7 @@ QImage maskOf(const QImage &image)
     mask.fill(0);
     bool allOpaque = true;
     for (int y = 0; y < image.height(); ++y) {
-        const auto *pixels = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        const auto *pixels = pixelRow(image, y);
         uchar *bits = mask.scanLine(y);
         for (int x = 0; x < image.width(); ++x) {
             const int alpha = qAlpha(pixels[x]);
@@ -155,7 +156,7 @@ QImage copyWithMask(const Segment &segment)
         return image.copy();
     QImage copy = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < copy.height(); ++y) {
-        auto *pixels = reinterpret_cast<QRgb *>(copy.scanLine(y));
+        auto *pixels = pixelRow(copy, y);
         for (int x = 0; x < copy.width(); ++x) {
             if (mask.pixelIndex(x, y) == 0)
                 pixels[x] = 0;

@@ -2,6 +2,7 @@
 
 #include "res/files/imagedecoder.h"
 #include "res/files/skinrect.h"
+#include "res/share/pixelrow.h"
 
 #include <algorithm>
 #include <cstring>
@@ -49,8 +50,6 @@ void copyMasked(quint32 *target, const quint32 *source, int width, MaskRow mask,
         target[i] = (bits >> (i - done) & 1U) != 0 ? source[i] : 0;
 }
 
-const quint32 *pixels(const QImage &image, int y) { return reinterpret_cast<const quint32 *>(image.constScanLine(y)); }
-
 // A mask that is no mask of this image hides nothing.
 bool fits(const QImage &mask, const QImage &image)
 {
@@ -71,8 +70,8 @@ QImage cutInside(const QImage &image, const QImage &mask, const QRect &part)
     if (result.isNull()) // no memory
         return {};
     for (int y = 0; y < part.height(); ++y)
-        copyMasked(reinterpret_cast<quint32 *>(result.scanLine(y)), pixels(image, part.y() + y) + part.x(),
-            part.width(), {mask.constScanLine(part.y() + y), int(mask.bytesPerLine())}, part.x());
+        copyMasked(pixelRow(result, y), pixelRow(image, part.y() + y) + part.x(), part.width(),
+            {mask.constScanLine(part.y() + y), int(mask.bytesPerLine())}, part.x());
     return result;
 }
 

@@ -1,6 +1,7 @@
 // Any bytes as a skin file, with rectangles on an image that may be smaller than they say.
 #include "res/files/imagedecoder.h"
 #include "res/files/skinrect.h"
+#include "res/share/pixelrow.h"
 #include "res/skin/skincut.h"
 #include "res/skin/skinfile.h"
 #include "tests/fuzz/require.h"
@@ -41,7 +42,7 @@ void look(const ImageRect &rect)
     // Every pixel by itself, in the plainest way.
     for (int y = 0; y < masked.height(); ++y) {
         for (int x = 0; x < masked.width(); ++x) {
-            const auto *pixels = reinterpret_cast<const QRgb *>(masked.constScanLine(y));
+            const auto *pixels = pixelRow(masked, y);
             if (quint64{rect.x} + quint64(x) >= quint64(kAtlas.width())
                 || quint64{rect.y} + quint64(y) >= quint64(kAtlas.height())) {
                 require(pixels[x] == 0);
@@ -49,7 +50,7 @@ void look(const ImageRect &rect)
             }
             const int column = int(rect.x) + x;
             const bool opaque = mask.constScanLine(int(rect.y) + y)[column / 8] >> (column % 8) & 1;
-            const auto *all = reinterpret_cast<const QRgb *>(atlas.constScanLine(int(rect.y) + y));
+            const auto *all = pixelRow(atlas, int(rect.y) + y);
             require(pixels[x] == (opaque ? all[column] : 0));
         }
     }
