@@ -54,7 +54,7 @@ Result<Contents> readContents(const Fd &fd)
     const QByteArray bytes = file.read(kMaxFileBytes + 1);
     if (file.error() != QFileDevice::NoError)
         return failed("read", EIO);
-    Contents contents = decode(bytes.first(std::min<qint64>(bytes.size(), kMaxFileBytes)));
+    Contents contents = decode(bytes.first(std::min(bytes.size(), qsizetype{kMaxFileBytes})));
     contents.damaged |= bytes.size() > kMaxFileBytes;
     return contents;
 }

@@ -210,7 +210,7 @@ void BusBroker::Data::armTimer()
     itimerspec when = {}; // all zero: off
     if (next != Clock::time_point::max()) {
         const auto wait = std::max<std::chrono::nanoseconds>(next - Clock::now(), 1ms);
-        when.it_value = {.tv_sec = wait / 1s, .tv_nsec = (wait % 1s).count()};
+        when.it_value = {.tv_sec = static_cast<time_t>(wait / 1s), .tv_nsec = static_cast<long>((wait % 1s).count())};
     }
     timerfd_settime(timer.get(), 0, &when, nullptr);
 }

@@ -257,7 +257,8 @@ void BusClient::scheduleRetry()
     if (m_channels.isEmpty() || m_retryWatch)
         return;
     const auto nanoseconds = std::chrono::nanoseconds(m_retryDelay).count();
-    const timespec delay = {.tv_sec = nanoseconds / 1'000'000'000, .tv_nsec = nanoseconds % 1'000'000'000};
+    const timespec delay = {.tv_sec = static_cast<time_t>(nanoseconds / 1'000'000'000),
+        .tv_nsec = static_cast<long>(nanoseconds % 1'000'000'000)};
     const itimerspec once = {.it_interval = {}, .it_value = delay};
     timerfd_settime(m_retryTimer.get(), 0, &once, nullptr);
     m_retryWatch = std::make_unique<LoopWatch>(m_retryTimer.get(), QSocketNotifier::Read, [this] { onRetry(); });

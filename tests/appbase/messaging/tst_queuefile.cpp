@@ -201,7 +201,7 @@ void TstQueueFile::aFileNeverOutgrowsItsLimit()
     const auto large = file->append(record("large", QByteArray(queue::kMaxFileBytes - before.size(), 'x')));
     QVERIFY(!large && large.error().number == EFBIG);
     QCOMPARE(content(), before);
-    const qint64 rest = queue::kMaxFileBytes - before.size() - queue::encode(record("fits")).size();
+    const auto rest = qsizetype(queue::kMaxFileBytes) - before.size() - queue::encode(record("fits")).size();
     QVERIFY(file->append(record("fits", QByteArray(rest, 'x'))));
     QVERIFY(!file->append(record("m")));
     QVERIFY(!queue::glance("app")->contents.damaged);
