@@ -84,7 +84,10 @@ function(tyx_strings name)
   add_custom_target(${name}_strings ALL DEPENDS ${compiled})
 endfunction()
 
-set(TYX_SANDBOX ${CMAKE_SOURCE_DIR}/scripts/sandbox --rw ${CMAKE_BINARY_DIR} --)
+# In a cross build the emulator goes around the sandbox: then it also runs the programs that a test starts.
+set(TYX_SANDBOX ${CMAKE_CROSSCOMPILING_EMULATOR} ${CMAKE_SOURCE_DIR}/scripts/sandbox --rw ${CMAKE_BINARY_DIR} --)
+
+set(TYX_PATIENCE 1 CACHE STRING "By how much longer tests may take, where the processor is emulated for example")
 
 # tyx_add_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>] [TMP_SIZE <bytes>] [ENV <NAME=value>...])
 # A QtTest program that ctest runs in a sandbox of its own (and, in a cross build, on the emulator).
@@ -99,13 +102,17 @@ function(tyx_add_test name)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
+  math(EXPR arg_TIMEOUT "${arg_TIMEOUT} * ${TYX_PATIENCE}")
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${arg_LINK} Qt6::Test tyx_options)
   target_compile_definitions(${name} PRIVATE
     TYX_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TYX_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  if(CMAKE_CROSSCOMPILING)
+    target_compile_definitions(${name} PRIVATE TYX_EMULATED) # for what cannot be seen there
+  endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  add_test(NAME ${name} COMMAND ${sandbox} ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}>)
+  add_test(NAME ${name} COMMAND ${sandbox} $<TARGET_FILE:${name}>)
   set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT}
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=print_suppressions=0:suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp;${arg_ENV}")
 endfunction()

@@ -17,6 +17,9 @@ phone_packages=(bubblewrap util-linux qt6-wayland qt6-qpa-plugins xkb-data fonts
   libasound2 libasound2-data libsndfile1 libmarisa0)
 test_packages=(strace python3 xvfb xauth)
 check_packages=(clang-16 clang-tidy-16 clang-format-16 libclang-rt-16-dev git python3)
+# What builds for the handset's processor and emulates it, and the armel packages for it beside the -dev ones above.
+target_packages=(g++-arm-linux-gnueabi binutils-arm-linux-gnueabi qemu-user debian-archive-keyring)
+sysroot_packages=(libc6-dev libstdc++-12-dev qt6-wayland qt6-qpa-plugins xkb-data fonts-dejavu-core libasound2-data)
 # The peers that the benchmarks run beside us.
 bench_packages=(libbenchmark-dev libglib2.0-dev libkf5config-dev libsystemd-dev dbus libts-dev)
 

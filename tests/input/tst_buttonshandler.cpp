@@ -69,6 +69,8 @@ void TstButtonsHandler::itAsksAndSetsUpItsDevices()
     short flip = 7;
     QVERIFY(!hardkeyHandler->getFlipStatus(&flip));
     QCOMPARE(flip, 7);
+    if (const char *reason = whyNotTraced())
+        QSKIP(reason);
     run(u"strace"_s,
         {u"-o"_s, u"/tmp/trace"_s, u"-e"_s, u"trace=ioctl"_s, u"-X"_s, u"raw"_s,
             QCoreApplication::applicationFilePath(), u"-construct"_s});

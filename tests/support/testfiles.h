@@ -43,3 +43,16 @@ inline Outcome run(const QString &program, const QStringList &arguments)
         return {-1, process.readAllStandardOutput(), process.readAllStandardError()};
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
+
+// Why the system calls of a program cannot be watched or made to fail here; null when they can.
+inline const char *whyNotTraced()
+{
+#ifdef TYX_EMULATED
+    return "strace would see the emulator's system calls";
+#else
+    const QStringList nothing{QStringLiteral("-o"), QStringLiteral("/dev/null"), QStringLiteral("true")};
+    return run(QStringLiteral("strace"), nothing).status == 0
+        ? nullptr
+        : "nothing can be traced here (strace is missing or ptrace is forbidden)";
+#endif
+}

@@ -47,8 +47,8 @@ private:
 // What a start asks of the system, seen from outside. (Style and decoration ask for nothing.)
 void TstAppStart::stepsComeInTheirOrder()
 {
-    if (run(u"strace"_s, {u"-o"_s, u"/dev/null"_s, u"true"_s}).status != 0)
-        QSKIP("nothing can be traced here (strace is missing or ptrace is forbidden)");
+    if (const char *reason = whyNotTraced())
+        QSKIP(reason);
     QProcess peer;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // it cannot look for leaks while it is traced

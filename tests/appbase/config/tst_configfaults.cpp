@@ -108,12 +108,12 @@ private Q_SLOTS:
     void aFullDiskKeepsTheOldFile();
 
 private:
-    QList<Call> m_calls; // empty when nothing can be traced
+    QList<Call> m_calls; // empty when whyNotTraced()
 };
 
 void TstConfigFaults::initTestCase()
 {
-    if (run(u"strace"_s, {u"-o"_s, u"/dev/null"_s, u"true"_s}).status != 0)
+    if (whyNotTraced())
         return;
     m_calls = callsOfASave();
     QVERIFY2(!m_calls.isEmpty(), "the writer does not save even when nothing fails");
@@ -127,8 +127,8 @@ void TstConfigFaults::init()
 
 void TstConfigFaults::killedAnywhereTheOldOrTheNewFileStands()
 {
-    if (m_calls.isEmpty())
-        QSKIP("nothing can be traced here (strace is missing or ptrace is forbidden)");
+    if (const char *reason = whyNotTraced())
+        QSKIP(reason);
     QStringList wrong;
     for (const Call &call : m_calls) {
         init();
@@ -141,8 +141,8 @@ void TstConfigFaults::killedAnywhereTheOldOrTheNewFileStands()
 
 void TstConfigFaults::anErrorAnywhereIsAnsweredTruly()
 {
-    if (m_calls.isEmpty())
-        QSKIP("nothing can be traced here (strace is missing or ptrace is forbidden)");
+    if (const char *reason = whyNotTraced())
+        QSKIP(reason);
     QVERIFY(std::ranges::any_of(m_calls, [](const Call &call) { return call.name.startsWith(u"rename"_s); }));
     QStringList wrong;
     for (const Call &call : m_calls.first(m_calls.size() - 1)) { // the last one prints the answer
