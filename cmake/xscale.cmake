@@ -8,7 +8,7 @@ set(CMAKE_SYSROOT ${xscale_sysroot})
 set(CMAKE_C_COMPILER arm-linux-gnueabi-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabi-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabi)
-set(CMAKE_C_FLAGS_INIT "-march=armv5te -mtune=xscale -mfloat-abi=soft")
+set(CMAKE_C_FLAGS_INIT "-march=armv5te -mtune=xscale -mfloat-abi=soft -Wno-psabi")
 set(CMAKE_CXX_FLAGS_INIT "${CMAKE_C_FLAGS_INIT}")
 
 set(CMAKE_FIND_ROOT_PATH ${xscale_sysroot})

@@ -22,7 +22,6 @@ test_target() {
   local status=0
   mkdir -p "$results"
   say "testing on the emulated processor"
-  # Twice as many seconds as native programs would take tens of: one at a time a core.
   ctest --preset xscale -j "$jobs" --output-junit "$results/tests.xml" --test-output-size-passed 1000000 \
     --test-output-size-failed 1000000 --quiet "$@" || status=$?
   "$project/scripts/target-results" "$results"
@@ -47,7 +46,8 @@ measure_target() {
   local file copies=$results/stripped
   rm -rf "$copies"
   mkdir -p "$copies"
-  for file in "$built"/lib/libtyxappbase-xscale-r.so.1 "$built"/lib/libtyxwindowserver.so "$built"/bin/{tyx-guiserver,tyx-imhost,tyx,hello}; do
+  for file in "$built"/lib/libtyxappbase-xscale-r.so.1 "$built"/lib/tyxappbase/libtyxwindowserver.so \
+    "$built"/bin/{tyx-guiserver,tyx-imhost,tyx,hello}; do
     arm-linux-gnueabi-strip -o "$copies/${file##*/}" "$file"
   done
   (cd "$copies" && arm-linux-gnueabi-size -- *) >"$results/sizes.txt"

@@ -25,7 +25,7 @@ std::unique_ptr<Dictionary> Dictionary::open(const QString &path)
     const uchar *bytes = file.map(0, file.size());
     if (!bytes)
         return nullptr;
-    const auto all = QByteArray::fromRawData(reinterpret_cast<const char *>(bytes), file.size());
+    const auto all = QByteArray::fromRawData(reinterpret_cast<const char *>(bytes), qsizetype(file.size()));
     const QByteArray body = QByteArray::fromRawData(all.constData() + kHeaderSize, all.size() - kHeaderSize);
     if (!all.startsWith(QByteArrayView(kMagic, kMagicSize))
         || QCryptographicHash::hash(body, QCryptographicHash::Sha1) != all.sliced(kHashAt, kHashSize))
