@@ -15,7 +15,7 @@ build_packages=(cmake ninja-build python3 g++ pkg-config extra-cmake-modules lib
 # What a phone needs at run time; linguist-qt6 is the ready-made program that runs on it beside our own.
 phone_packages=(bubblewrap util-linux qt6-wayland qt6-qpa-plugins xkb-data fonts-dejavu-core fontconfig linguist-qt6
   libasound2 libasound2-data libsndfile1 libmarisa0)
-test_packages=(strace python3 xvfb xauth)
+test_packages=(strace python3 xvfb xauth mandoc)
 check_packages=(clang-16 clang-tidy-16 clang-format-16 libclang-rt-16-dev git python3)
 # What builds for the handset's processor and emulates it, and the armel packages for it beside the -dev ones above.
 target_packages=(g++-arm-linux-gnueabi binutils-arm-linux-gnueabi qemu-user debian-archive-keyring)

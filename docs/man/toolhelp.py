@@ -47,26 +47,29 @@ class Command:
         return next((option for option in self.options if name in option.names), None)
 
 
+MARK = re.compile(r"\s+(?:REQUIRED|\.\.\.|x \d+|(?:Excludes|Needs): .*)")
+
+
 def _item(head, about):
-    words = head.split()
-    names = words[0].split(",")
-    kinds = [word for word in words[1:] if re.match(r"^[A-Z]+(:|$)", word) and word != "REQUIRED"]
-    value = kinds[0].split(":", 1)[-1] if kinds and not kinds[0].endswith("s:") else ""
+    names, _, rest = MARK.sub("", head).partition(" ")
+    kind, _, limits = rest.strip().partition(":")  # INT:a number from 1 to 9, TEXT:WIDTHxHEIGHT, TEXT:{open,close}
+    value = limits if kind == "TEXT" and limits and " " not in limits else kind
     places = re.search(r" x (\d+)", head)
-    return Item(names, value, "REQUIRED" in words, "..." in words, int(places[1]) if places else 1, about)
+    return Item(names.split(","), value, "REQUIRED" in head.split(), "..." in head.split(), int(places[1]) if places else 1,
+                about)
 
 
 def _rows(lines):
-    """The rows of a list: what stands left, and what is said of it, which may begin on the next line."""
+    """The rows of a list: what stands left, and what is said of it, which for a long one begins on the next line."""
     rows = []
-    for line in lines:
-        indent = len(line) - len(line.lstrip())
-        if indent >= DESCRIPTION_COLUMN and rows:
+    for number, line in enumerate(lines):
+        following = lines[number + 1] if number + 1 < len(lines) else ""
+        if line.startswith(" " * DESCRIPTION_COLUMN):
             rows[-1][1] = (rows[-1][1] + " " + line.strip()).strip()
-        elif line[DESCRIPTION_COLUMN - 1:DESCRIPTION_COLUMN] == " ":
-            rows.append([line[:DESCRIPTION_COLUMN].strip(), line[DESCRIPTION_COLUMN:].strip()])
-        else:
+        elif following.startswith(" " * DESCRIPTION_COLUMN):
             rows.append([line.strip(), ""])
+        else:
+            rows.append([line[:DESCRIPTION_COLUMN].strip(), line[DESCRIPTION_COLUMN:].strip()])
     return rows
 
 
@@ -143,7 +146,8 @@ def check_words(root, words, complete=True):
                 raise NoSuchCommand(f"{command.name} {word} wants a value")
             rest = rest[1:]
     most = sum(item.places for item in command.positionals)
-    if given > most and not any(item.many for item in command.positionals):
+    # The help tells the least number of places only: a way over the screen may have more than four.
+    if given > most and not any(item.many or item.places >= 4 for item in command.positionals):
         raise NoSuchCommand(f"{command.name} takes {most} arguments, not {given}")
     least = sum(item.places for item in command.positionals if item.required)
     if complete and given < least:
