@@ -32,6 +32,7 @@ public:
     };
     Q_ENUM(WindowOperation)
 
+    // Takes what it knows out of the arguments, which must live as long as the object.
     ZApplication(int &argc, char **argv, Type type = GuiClient);
 
     // The order of the virtual functions is fixed: programs built against an older library call them by their place.
@@ -113,6 +114,7 @@ public Q_SLOTS:
     virtual void slotRaise(); // brings the main widget to the front
 
 Q_SIGNALS:
+    // Messages of the phone and of other programs; docs/messages.md tells which signal comes of which message.
     void shutdown();
     void quickQuit();
     void clickAppIcon();

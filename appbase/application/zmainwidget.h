@@ -39,6 +39,7 @@ public:
     QRect getEditorRect(int editor, int height, bool shown); // name fixed
 
 Q_SIGNALS:
+    // The content has another place, in the coordinates of this widget.
     void editorRectChanged(const QRect &rect);
 
 protected:

@@ -24,6 +24,7 @@ public:
     explicit SoftKeyBar(QWidget *parent = nullptr);
     ~SoftKeyBar() override;
 
+    // The action that a soft key triggers; null: none.
     void setLeft(QAction *action);
     void setRight(QAction *action);
 

@@ -17,10 +17,12 @@
 
 namespace wire {
 
+// Writes values one behind the other, each in the form that its function is named after.
 class TYX_EXPORT Writer {
 public:
     Writer();
 
+    // Numbers of 8, 16 and 32 bits, big-endian; a bool as 32 bits; texts and bytes with their length.
     void u8(quint8 value) { m_stream << value; }
     void u16(quint16 value) { m_stream << value; }
     void i32(qint32 value) { m_stream << value; }
@@ -33,6 +35,7 @@ public:
     void uuid(const QUuid &value) { m_stream << value; }
     void raw(QByteArrayView bytes); // as they are, without a length
 
+    // The same, by the type of the value: what pack() uses.
     void value(quint8 v) { u8(v); }
     void value(quint16 v) { u16(v); }
     void value(qint32 v) { i32(v); }
@@ -74,6 +77,7 @@ class TYX_EXPORT Reader {
 public:
     explicit Reader(const QByteArray &bytes);
 
+    // What the functions of the same names of Writer wrote; zero, empty or null when the reader is bad.
     void u8(quint8 &value) { number(value); }
     void u16(quint16 &value) { number(value); }
     void i32(qint32 &value) { number(value); }
@@ -86,6 +90,7 @@ public:
     void uuid(QUuid &value);
     void raw(QByteArray &bytes, qsizetype size);
 
+    // The same, by the type of the value: what unpack() uses.
     void value(quint8 &v) { u8(v); }
     void value(quint16 &v) { u16(v); }
     void value(qint32 &v) { i32(v); }

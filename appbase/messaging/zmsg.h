@@ -25,6 +25,7 @@ public:
     ZMsg(const ZMsg &) = delete;
     ZMsg &operator=(const ZMsg &) = delete;
 
+    // As they were given.
     [[nodiscard]] QCString channel() const;
     [[nodiscard]] QCString message() const;
 

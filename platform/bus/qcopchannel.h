@@ -23,6 +23,7 @@ public:
     explicit QCopChannel(const QCString &channel, QObject *parent = nullptr);
     ~QCopChannel() override;
 
+    // The name that it was made with.
     [[nodiscard]] QCString channel() const;
 
     // Whether any process has the channel. Asks the server and waits for its answer; messages that arrive meanwhile are
@@ -44,6 +45,7 @@ public:
     virtual void receive(const QCString &msg, const QByteArray &data);
 
 Q_SIGNALS:
+    // A message to this channel: its name and its arguments, which may be anything.
     void received(const QCString &msg, const QByteArray &data);
 
 private:

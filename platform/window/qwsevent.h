@@ -36,6 +36,7 @@ private:
     int m_window;
 };
 
+// A key went down or up, or repeats.
 class TYX_EXPORT QWSKeyEvent : public QWSEvent {
 public:
     explicit QWSKeyEvent(int window) : QWSEvent(Key, window) { }
@@ -46,6 +47,7 @@ public:
     bool isAutoRepeat = false;
 };
 
+// The pointer moved, or a button went down or up.
 class TYX_EXPORT QWSMouseEvent : public QWSEvent {
 public:
     explicit QWSMouseEvent(int window) : QWSEvent(Mouse, window) { }
@@ -53,6 +55,7 @@ public:
     Qt::MouseButtons state; // the buttons that are down after the event
 };
 
+// The window got the keyboard focus or lost it.
 class TYX_EXPORT QWSFocusEvent : public QWSEvent {
 public:
     QWSFocusEvent(int window, bool gained) : QWSEvent(Focus, window), gotFocus(gained) { }

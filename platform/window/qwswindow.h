@@ -16,6 +16,7 @@ public:
     QWSWindow &operator=(const QWSWindow &) = delete;
     virtual ~QWSWindow();
 
+    // What the window is and shows now.
     [[nodiscard]] virtual int winId() const = 0; // the same number that QWSApplication::windowId() gives in the client
     [[nodiscard]] virtual pid_t clientPid() const = 0;
     [[nodiscard]] virtual QString name() const = 0; // object name of the client's widget, else the program's

@@ -8,6 +8,7 @@
 // The same as ZRes, under the names that the UTIL_ family of readers and writers goes with.
 namespace UTIL_Res {
 
+// The functions of the same names in ZRes.
 TYX_EXPORT QString createID(const QString &name);
 TYX_EXPORT quint32 hashVal(const QString &id);
 TYX_EXPORT quint32 bigToLittle(quint32 word);
@@ -16,6 +17,7 @@ TYX_EXPORT quint32 bigToLittle(quint32 word);
 
 namespace UTIL_ResFile {
 
+// The check words of a file; docs/formats/resource.md tells where they are.
 inline constexpr quint32 startBlockCheck = 0xABCDDCBA;
 inline constexpr quint32 dataBlockCheck = 0xDCBAABCD;
 

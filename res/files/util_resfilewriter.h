@@ -27,6 +27,7 @@ public:
 
     void init(const QString &fileName); // reset(), setFileName()
 
+    // The file that write() replaces.
     void setFileName(const QString &fileName);
     [[nodiscard]] QString fileName() const;
     [[nodiscard]] QString getFileName() const { return fileName(); }

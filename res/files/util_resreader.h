@@ -20,6 +20,7 @@ public:
     UTIL_ResReader(const UTIL_ResReader &) = delete;
     UTIL_ResReader &operator=(const UTIL_ResReader &) = delete;
 
+    // Whether there is a resource of this identifier.
     virtual bool exists(const QString &id) = 0;
     // A pixmap's name is its identifier without ".g".
     virtual bool pixmapExists(const QString &name) = 0;

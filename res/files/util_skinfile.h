@@ -7,6 +7,7 @@
 
 namespace UTIL_SkinFile {
 
+// The check words of a file; docs/formats/resource.md tells where they are.
 inline constexpr quint32 startBlockCheck = 0xABCDDCBA;
 inline constexpr quint32 dataBlockCheck = 0xDCBAABCD;
 

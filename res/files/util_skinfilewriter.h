@@ -31,6 +31,7 @@ public:
 
     void init(const QString &fileName, const QString &imageFileName); // reset(), setFileName()
 
+    // The file that write() replaces, and the image that it is made of.
     void setFileName(const QString &fileName, const QString &imageFileName);
     [[nodiscard]] QString fileName() const;
     [[nodiscard]] QString getFileName() const { return fileName(); }

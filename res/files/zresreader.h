@@ -19,6 +19,7 @@ public:
     ZResReader(const ZResReader &) = delete;
     ZResReader &operator=(const ZResReader &) = delete;
 
+    // Whether there is a resource of this identifier.
     virtual bool exists(const QString &id) = 0;
     // The bytes of a resource, where they are; the reader keeps them. False, null and 0 when there is none.
     virtual bool get(const QString &id, const char *&data, unsigned int &length) = 0;

@@ -8,6 +8,7 @@
 #include <QtGlobal>
 
 struct INPUT_SETTING_T {
+    // What each means and can be, docs/settings.md tells of the settings "input-...".
     quint32 preferredInputMethodType = 0;
     bool writingHand = true; // the right one
     bool wordCompletion = true;

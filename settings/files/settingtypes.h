@@ -59,6 +59,7 @@ enum SETUP_JAVASOUND_TYPE_T : int {
     SETUP_JAVASOUND_OFF = 2,
 };
 
+// Whether only numbers of the card's list can be called.
 enum FIXED_DIAL_STATUS_T : unsigned int {
     FIXED_DIAL_OFF = 0,
     FIXED_DIAL_ON = 1,
@@ -108,11 +109,13 @@ enum BROWSER_FEATURE_STATE_T : int {
     BROWSER_SHORTCUTS_LOCK,
 };
 
+// Addresses that the browser keeps.
 enum BROWSER_FEATURE_STRING_T : int { BROWSER_OPERATOR_URL, BROWSER_HOMEPAGE };
 
 // Quality-of-service profiles of the network, in its own encoding.
 enum BROWSER_FEATURE_BLOCK_T : int { BROWSER_QOS_MIN, BROWSER_QOS_REQUESTED };
 
+// A shortcut of the browser.
 struct SHORTCUT_RECORD {
     QString name; // of which there is one each
     QString url;
@@ -121,6 +124,7 @@ struct SHORTCUT_RECORD {
 // Kinds of network services that work behind an application, without a page of their own.
 enum ENUM_INVL_T : int { INVL_BLOG, INVL_PICTURE, INVL_AUDIO, INVL_VIDEO, INVL_GAME };
 
+// Where a network service is reached: any texts.
 struct INVL_DATA_T {
     QString serviceAddress;
     QString url;

@@ -6,6 +6,7 @@ import re
 import signal
 import subprocess
 import sys
+import time
 from pathlib import Path
 
 LONGEST = 60  # seconds that anything may take before it counts as hanging
@@ -108,14 +109,22 @@ def run_program(path, folder):
     return "" if process.returncode == 0 else f"status {process.returncode}\n{output}"
 
 
+def has_focus(title):
+    listed = subprocess.run(["tyx", "screen", "list"], capture_output=True, text=True).stdout
+    return re.search(rf" active +{title}$", listed, re.M) is not None
+
+
 def start_phone():
+    """The server and two applications, of which Hello has the focus."""
     server = subprocess.Popen(["tyx-guiserver", "--platform", "offscreen"], stderr=subprocess.DEVNULL)
+    subprocess.run(["tyx", "bus", "wait", "TYX/QtServer", "--timeout", str(LONGEST)], check=True)
     applications = []
-    for channel, program in (("TYX/QtServer", "notes"), ("TYX/Application/notes", "hello")):
-        subprocess.run(["tyx", "bus", "wait", channel, "--timeout", str(LONGEST)], check=True)
+    for program, title in (("notes", "Notes"), ("hello", "Hello")):
         applications.append(subprocess.Popen([program], stderr=subprocess.DEVNULL))
-    while "active  Hello" not in subprocess.run(["tyx", "screen", "list"], capture_output=True, text=True).stdout:
-        pass  # each question waits for its answer
+        end = time.monotonic() + LONGEST
+        while not has_focus(title):  # each question waits for its answer
+            if time.monotonic() > end:
+                raise SystemExit(f"the window of {program} does not come up")
     return server, applications
 
 
