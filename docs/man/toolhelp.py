@@ -55,8 +55,8 @@ def _item(head, about):
     kind, _, limits = rest.strip().partition(":")  # INT:a number from 1 to 9, TEXT:WIDTHxHEIGHT, TEXT:{open,close}
     value = limits if kind == "TEXT" and limits and " " not in limits else kind
     places = re.search(r" x (\d+)", head)
-    return Item(names.split(","), value, "REQUIRED" in head.split(), "..." in head.split(), int(places[1]) if places else 1,
-                about)
+    words = head.split()
+    return Item(names.split(","), value, "REQUIRED" in words, "..." in words, int(places[1]) if places else 1, about)
 
 
 def _rows(lines):
@@ -99,7 +99,8 @@ def read(program, runner=()):
     name = str(program).rsplit("/", 1)[-1]
 
     def one(words):
-        answer = subprocess.run([*runner, str(program), *words[1:], "--help"], capture_output=True, text=True, timeout=60)
+        line = [*runner, str(program), *words[1:], "--help"]
+        answer = subprocess.run(line, capture_output=True, text=True, timeout=60)
         if answer.returncode != 0:
             raise SystemExit(f"{' '.join(words)} --help: status {answer.returncode}: {answer.stderr.strip()}")
         return parse(words, answer.stdout)

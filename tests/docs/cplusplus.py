@@ -1,4 +1,4 @@
-"""Compiles the C++ of the documents: all blocks in one unit for their syntax, and whole programs into something that runs."""
+"""Compiles the C++ of the documents: all blocks in one unit for their syntax, whole programs into what runs."""
 import json
 import re
 import shlex
@@ -17,8 +17,8 @@ class Compiler:
         words = shlex.split(next(each["command"] for each in commands if each["file"].endswith("hello/hello.cpp")))
         words = [word for word in words if not word.endswith("ccache")]
         self.compile = [*words[:words.index("-o")], "-O0", "-g0"]
-        self.libraries = [f"-L{build}/lib", f"-Wl,-rpath,{build}/lib", "-ltyxappbase-xscale-r", "-lQt6Widgets", "-lQt6Gui",
-                          "-lQt6Core"]
+        self.libraries = [f"-L{build}/lib", f"-Wl,-rpath,{build}/lib", "-ltyxappbase-xscale-r",
+                          "-lQt6Widgets", "-lQt6Gui", "-lQt6Core"]
 
     def run(self, arguments, text):
         done = subprocess.run([*self.compile, *arguments], input=text, capture_output=True, text=True)
@@ -41,7 +41,7 @@ class Compiler:
     def program(self, block, path):
         """Links a whole program; what is wrong, or nothing."""
         code = f'{block.given}#line {block.line} "{block.page}"\n{block.code}'
-        return self.run(["-o", str(path), "-x", "c++", "-", "-x", "none", *self.libraries], code)
+        return self.run(["-o", path, "-x", "c++", "-", "-x", "none", *self.libraries], code)
 
 
 def is_program(block):

@@ -1,5 +1,5 @@
-"""Runs inside the sandbox: a phone, and the shell blocks of one page on it. Reads its orders as JSON from standard input
-and prints what went wrong, one fault after the other, as JSON."""
+"""Runs inside the sandbox: a phone, and the shell blocks of one page on it. Reads its orders as JSON from standard
+input and prints what went wrong, one fault after the other, as JSON."""
 import json
 import os
 import re
