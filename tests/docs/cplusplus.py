@@ -1,4 +1,4 @@
-"""Compiles the C++ of the documents: all blocks in one unit for their syntax, whole programs into what runs."""
+"""Compiles the C++ of the documents, all of it in one unit: what costs is to read the headers."""
 import json
 import re
 import shlex
@@ -20,13 +20,10 @@ class Compiler:
         self.libraries = [f"-L{build}/lib", f"-Wl,-rpath,{build}/lib", "-ltyxappbase-xscale-r",
                           "-lQt6Widgets", "-lQt6Gui", "-lQt6Core"]
 
-    def run(self, arguments, text):
-        done = subprocess.run([*self.compile, *arguments], input=text, capture_output=True, text=True)
-        return done.stderr if done.returncode else ""
-
-    def syntax(self, blocks):
-        """The compiler's complaints about all blocks together, each in a namespace of its own."""
-        includes, bodies = [], []
+    def build(self, blocks, path):
+        """Makes one program of all blocks, each in a namespace of its own; EXAMPLE in its environment tells which of them
+        it is, by its place. What is wrong, or nothing."""
+        includes, bodies, calls = ["#include <cstdlib>\n"], [], []
         for number, block in enumerate(blocks):
             given, code = block.given, f'#line {block.line} "{block.page}"\n{block.code}'
             includes += INCLUDE.findall(given + code)
@@ -35,13 +32,15 @@ class Compiler:
                 given, code = (outside, inside + code) if mark else ("", given + code)
                 code = f"[[maybe_unused]] void shown()\n{{\n{code}}}\n"
             bodies.append(f"namespace example{number} {{\n{INCLUDE.sub(chr(10), given + code)}}}\n")
-        unit = "".join(dict.fromkeys(includes)) + "".join(bodies)
-        return self.run(["-fsyntax-only", "-Wno-unused", "-Wno-main", "-x", "c++", "-"], unit)
-
-    def program(self, block, path):
-        """Links a whole program; what is wrong, or nothing."""
-        code = f'{block.given}#line {block.line} "{block.page}"\n{block.code}'
-        return self.run(["-o", path, "-x", "c++", "-", "-x", "none", *self.libraries], code)
+            if is_program(block):
+                arguments = "" if "int main()" in block.code else "argc, argv"
+                calls.append(f"    case {number}: return example{number}::main({arguments});\n")
+        main = "int main([[maybe_unused]] int argc, [[maybe_unused]] char **argv)\n{\n" \
+            f"    switch (std::atoi(std::getenv(\"EXAMPLE\"))) {{\n{''.join(calls)}    default: return 1;\n    }}\n}}\n"
+        unit = "".join(dict.fromkeys(includes)) + "".join(bodies) + main
+        done = subprocess.run([*self.compile, "-Wno-unused", "-Wno-main", "-o", path, "-x", "c++", "-", "-x", "none",
+                               *self.libraries], input=unit, capture_output=True, text=True)
+        return done.stderr if done.returncode else ""
 
 
 def is_program(block):

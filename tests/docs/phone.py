@@ -90,9 +90,10 @@ def run_console(block, folder):
                      for (command, expected), was in zip(pairs, shown) if not same(expected, was))
 
 
-def run_program(path, folder):
+def run_program(path, number, folder):
     """An application is asked to end when it is on the bus; any other program ends by itself."""
-    process = subprocess.Popen([path], cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    process = subprocess.Popen([path], cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                               env=os.environ | {"EXAMPLE": str(number)})
     channel = f"TYX/Application/{process.pid}"
     for _ in range(LONGEST):
         asked = subprocess.run(["tyx", "bus", "wait", channel, "--timeout", "1"], capture_output=True)
@@ -146,8 +147,8 @@ def main():
         run = run_console if block["language"] == "console" else run_script
         if fault := run(block, folder):
             faults.append(f'{block["where"]}: {fault}')
-    for where, path in orders["programs"].items():
-        if fault := run_program(path, folder):
+    for where, path, number in orders["programs"]:
+        if fault := run_program(path, number, folder):
             faults.append(f"{where}: {fault}")
     if server.poll() is not None:
         faults.append("the GUI server ended")
