@@ -154,8 +154,8 @@ def shared_image(trial, phone, seconds):
         applications = []
         at_once(8, lambda number: applications.append(phone.start(f"hello{number}", program="hello")))
         for process in applications:
-            trial.until("an application is there that makes the image", lambda p=process: p.poll() is not None or phone.tyx(
-                "bus", "wait", f"TYX/Application/{p.pid}", "--timeout", "1").returncode == 0)
+            trial.until("an application is there that makes the image", lambda p=process: p.poll() is not None
+                        or phone.tyx("bus", "wait", f"TYX/Application/{p.pid}", "--timeout", "1").returncode == 0)
         trial.check(dump("/tmp/skin.png") == pictures["light"], "eight made the shared image at once, and it is not it")
         trial.check(objects()["shm"] <= before + 1, f"eight made {objects()['shm'] - before} segments")
         made += 1
@@ -165,7 +165,7 @@ def shared_image(trial, phone, seconds):
             trial.check(process.returncode == 0, f"an application ended with status {process.returncode}")
         for name in [name for name, process in phone.running.items() if process in applications]:
             del phone.running[name]
-    trial.row("the shared image made by eight applications at once", made, 0)
+    trial.row("the shared image made by eight applications at once", made)
 
     end, torn, dumps, refused, switches = time.monotonic() + seconds / 2, 0, [0] * 5, [0] * 5, 0
 
@@ -184,8 +184,9 @@ def shared_image(trial, phone, seconds):
     at_once(5, use)
     shown = "light" if "light" in phone.must("settings", "get", "theme-skin").stdout else "dark"
     trial.until(f"the skin that was set last, {shown}, is shared", lambda: dump("/tmp/skin.png") == pictures[shown])
-    trial.row("dumps of the shared image while the skin is switched", sum(dumps), 0,
-              f"{switches} switches; {sum(refused)} dumps refused, as another is being stored; {torn} mixed of two skins")
+    trial.row("dumps of the shared image while the skin is switched", sum(dumps),
+              note=f"{switches} switches; {sum(refused)} dumps refused, as another is being stored; "
+              f"{torn} mixed of two skins")
 
 
 def many_applications(trial, phone, count):
@@ -206,8 +207,9 @@ def many_applications(trial, phone, count):
     trial.until("one of them comes to the front", lambda: any(
         window["active"] and window["pid"] == processes[0].pid for window in phone.windows()))
     phone.shut_down()
-    trial.row("applications started at once", count, len(ended), f"all drawn after {took:.2f} s; {memory / count / 1024:.1f}"
-              f" MiB each (PSS), the server {grown / count / 1024:.2f} MiB more for each")
+    trial.row("applications started at once", count,
+              note=f"all drawn after {took:.2f} s; {memory / count / 1024:.1f} MiB each (PSS), "
+              f"the server {grown / count / 1024:.2f} MiB more for each")
 
 
 def servers(trial, phone, seconds):
@@ -233,7 +235,7 @@ def servers(trial, phone, seconds):
         alive[0].wait()
         trial.check(alive[0].returncode in (0, -9), f"the server ended with status {alive[0].returncode}")
         phone.running.clear()
-    trial.row("three servers started at once", rounds, 0)
+    trial.row("three servers started at once", rounds)
 
 
 def jumping_clock(trial, seconds):
@@ -275,7 +277,8 @@ def jumping_clock(trial, seconds):
             trial.until(f"{name} comes to the front after a jump to {to}", lambda p=pid: any(
                 window["active"] and window["pid"] == p for window in phone.windows()))
         phone.must("settings", "set", "bluetooth-name", f"Jump {done}")
-        trial.check(phone.must("settings", "get", "bluetooth-name").stdout.strip() == f"Jump {done}", "a setting is lost")
+        name = phone.must("settings", "get", "bluetooth-name").stdout.strip()
+        trial.check(name == f"Jump {done}", f"a setting is lost: {name}")
         phone.must("screen", "tap", 60, 302)
         phone.must("screen", "type", f"jump {done}")
         phone.must("screen", "tap", 40, 302)
@@ -284,7 +287,7 @@ def jumping_clock(trial, seconds):
         time.sleep(0.3)
         trial.check(processor_time(phone.server.pid) - used < 0.2, f"the server is busy for ever after a jump to {to}")
     phone.shut_down()
-    trial.row("jumps of the clock", done, 0, "an hour, a day, to 1970, 2000, 2038, 2100 and back")
+    trial.row("jumps of the clock", done, note="an hour, a day, to 1970, 2000, 2038, 2100 and back")
 
 
 def processor_time(process):

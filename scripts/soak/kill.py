@@ -177,7 +177,8 @@ class KillTrial:
         for name in APPLICATIONS:
             process = self.phone.running[name]
             if self.phone.has_ended(process, f"{name}, whose server was killed,") is not None:
-                self.trial.check(process.returncode >= 0, f"{name} died of signal {-process.returncode} with its server")
+                self.trial.check(process.returncode >= 0,
+                                 f"{name} died of signal {-process.returncode} with its server")
             else:
                 process.kill()
         if self.random.random() < 0.5:  # the next one dies while it starts
@@ -267,18 +268,20 @@ class KillTrial:
         waiting = self.check_messages()
         self.phone.must("lock", "run", "true")
         after = objects()
-        leaked = not trial.check(after["sem"] == 0 and after["shm"] <= baseline["shm"] and after["msg"] <= baseline["msg"],
-                    f"System V objects leaked: {baseline} became {after}")
-        memory_last = memory_kib(self.phone.server.pid)
+        kept = after["sem"] == 0 and after["shm"] <= baseline["shm"] and after["msg"] <= baseline["msg"]
+        trial.check(kept, f"System V objects leaked: {baseline} became {after}")
+        last = memory_kib(self.phone.server.pid)
         self.phone.shut_down()
         for what, times in sorted(self.kills.items()):
             took = max(self.recoveries.get(what, [0]))
             note = f"longest {took:.2f} s until all was there again" if took else ""
             trial.row(f"SIGKILL: {what}", times, self.failed.get(what, 0), note)
-        trial.row("values, notes, messages that were acknowledged", sum(w.done for w in self.writers.values()), self.lost,
+        written = sum(writer.done for writer in self.writers.values())
+        trial.row("values, notes, messages that were acknowledged", written, self.lost,
                   f"{saved} notes saved, {waiting} messages wait, keys and taps came {self.writers['keys'].done} times")
-        trial.row("System V objects at the end", sum(after.values()), int(leaked), f"{sum(baseline.values())} before; the "
-                  f"first server had {memory} KiB, the last {memory_last} KiB; {self.stuck_locks} locks that their maker died over were removed by hand")
+        trial.row("System V objects at the end", sum(after.values()), 0 if kept else 1,
+                  f"{sum(baseline.values())} before; the first server had {memory} KiB, the last {last} KiB; "
+                  f"{self.stuck_locks} locks that their maker died over were removed by hand")
 
 
 run(lambda trial: KillTrial(trial).run())

@@ -32,7 +32,8 @@ def main(trial):
         phone.has_ended(process, name)
         trial.check(process.returncode in ((0, 1) if name == "notes" else (0,)),
                     f"{name} ended with status {process.returncode}")
-    trial.row("saves on a flash that is read-only", refused + 1, 0, "each told with status 3; the phone starts and ends")
+    trial.row("saves on a flash that is read-only", refused + 1,
+              note="each told with status 3; the phone starts and ends")
 
 
 run(main)

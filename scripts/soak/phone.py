@@ -34,7 +34,7 @@ class Trial:
         self.name = os.path.basename(sys.argv[0]).removesuffix(".py")
         self.out, self.seconds, self.seed = options.out, options.seconds, options.seed
         self.random = random.Random(f"{self.name} {options.seed}")
-        self.rows, self.failures = [], {}  # what failed, and how often
+        self.rows, self.failures, self.failed_before = [], {}, 0  # what failed, and how often
         self.start = time.monotonic()
         self.lock = threading.Lock()
 
@@ -59,8 +59,14 @@ class Trial:
             self.fail(text)
         return bool(truth)
 
-    def row(self, what, times, lost, note=""):
-        """A line of the report: what was done, how often, how much was lost or failed against what is promised."""
+    def row(self, what, times, lost=None, note=""):
+        """A line of the report: what was done, how often, how much was lost or failed against what is promised.
+
+        Without a number: the checks that failed since the last line.
+        """
+        if lost is None:
+            lost = self.failed - self.failed_before
+        self.failed_before = self.failed
         self.rows.append({"what": what, "times": times, "lost": lost, "note": note})
         print(f"  {what}: {times}, lost or failed {lost}{'; ' + note if note else ''}", flush=True)
 

@@ -26,8 +26,8 @@ def machine():
 
 
 def main(logs, minutes, seed):
-    print("# Soak\n\nWhat phones went through, each in a sandbox, and what they lost. `scripts/soak.sh` ran the trials and "
-          "wrote this page;\neach stands in a file of `scripts/soak/`, with its checks.\n")
+    print("# Soak\n\nWhat phones went through, each in a sandbox, and what they lost. `scripts/soak.sh` ran the trials "
+          "and wrote this\npage; each stands in a file of `scripts/soak/`, with its checks.\n")
     print(f"{datetime.date.today()}, {minutes} minutes, seed {seed}. {machine()}.")
     for name, about in ABOUT.items():
         for path in glob.glob(f"{logs}/{name}/result.json"):
