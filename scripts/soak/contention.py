@@ -130,22 +130,49 @@ def status_table(trial, phone, seconds):
     trial.row("sets of the status table by eight processes", sum(sets), sum(wrong))
 
 
-def shared_image(trial, phone, seconds):
-    """The image of the skin is made by many at once, and switched while others read it."""
-    def dump(path):
-        done = phone.tyx("share", "dump", "SkinImage", path)
-        if done.returncode != 0:
-            return None
-        with open(path, "rb") as file:
-            return file.read()
+def dump(phone, path):
+    """What the shared image shows, as a PNG; None while another is being stored."""
+    if phone.tyx("share", "dump", "SkinImage", path).returncode != 0:
+        return None
+    with open(path, "rb") as file:
+        return file.read()
 
-    pictures = {"light": dump("/tmp/skin.png")}
+
+def switched_skin(trial, phone, seconds):
+    """The skin is switched while others read the shared image; in the end it is the one that was set last."""
+    pictures = {"light": dump(phone, "/tmp/skin.png")}
     phone.must("settings", "set", "theme-skin", f"{SKINS}/dark.skn")
-    trial.until("the dark skin is shared", lambda: dump("/tmp/skin.png") not in (None, pictures["light"]))
-    pictures["dark"] = dump("/tmp/skin.png")
-    phone.must("settings", "set", "theme-skin", f"{SKINS}/light.skn")
-    trial.until("the light skin is shared", lambda: dump("/tmp/skin.png") == pictures["light"])
-    made, end = 0, time.monotonic() + seconds / 2
+    trial.until("the dark skin is shared", lambda: dump(phone, "/tmp/skin.png") not in (None, pictures["light"]))
+    pictures["dark"] = dump(phone, "/tmp/skin.png")
+    end, mixed, dumps, refused, switches = time.monotonic() + seconds, 0, [0] * 5, [0] * 5, 0
+
+    def use(number):
+        nonlocal mixed, switches
+        while time.monotonic() < end:
+            if number == 0:
+                skin = "dark" if switches % 2 else "light"
+                phone.must("settings", "set", "theme-skin", f"{SKINS}/{skin}.skn")
+                switches += 1
+                continue
+            image = dump(phone, f"/tmp/skin{number}.png")
+            dumps[number] += 1
+            refused[number] += image is None
+            mixed += image is not None and image not in pictures.values()
+
+    at_once(5, use)
+    for shown, is_set in (("light" if switches % 2 else "dark", True), ("dark", False), ("light", False)):
+        if not is_set:
+            phone.must("settings", "set", "theme-skin", f"{SKINS}/{shown}.skn")
+        trial.until(f"the skin that was set last, {shown}, is shared",
+                    lambda skin=shown: dump(phone, "/tmp/skin.png") == pictures[skin])
+    trial.row("dumps of the shared image while the skin is switched", sum(dumps),
+              note=f"{switches} switches; {sum(refused)} dumps refused, as another is being stored; "
+              f"{mixed} mixed of two skins")
+
+
+def made_image(trial, phone, seconds):
+    """Eight applications find no shared image, and all make it. The server still has the one that was removed."""
+    light, made, end = dump(phone, "/tmp/skin.png"), 0, time.monotonic() + seconds
     while time.monotonic() < end or made == 0:
         for segment in re.findall(r"^SkinImage .* segment (\d+)", phone.must("share", "list").stdout, re.M):
             subprocess.run(["ipcrm", "-m", segment], check=True)
@@ -156,7 +183,7 @@ def shared_image(trial, phone, seconds):
         for process in applications:
             trial.until("an application is there that makes the image", lambda p=process: p.poll() is not None
                         or phone.tyx("bus", "wait", f"TYX/Application/{p.pid}", "--timeout", "1").returncode == 0)
-        trial.check(dump("/tmp/skin.png") == pictures["light"], "eight made the shared image at once, and it is not it")
+        trial.check(dump(phone, "/tmp/skin.png") == light, "eight made the shared image at once, and it is not it")
         trial.check(objects()["shm"] <= before + 1, f"eight made {objects()['shm'] - before} segments")
         made += 1
         for process in applications:
@@ -166,27 +193,6 @@ def shared_image(trial, phone, seconds):
         for name in [name for name, process in phone.running.items() if process in applications]:
             del phone.running[name]
     trial.row("the shared image made by eight applications at once", made)
-
-    end, torn, dumps, refused, switches = time.monotonic() + seconds / 2, 0, [0] * 5, [0] * 5, 0
-
-    def use(number):
-        nonlocal torn, switches
-        while time.monotonic() < end:
-            if number == 0:
-                phone.must("settings", "set", "theme-skin", f"{SKINS}/{'dark' if switches % 2 else 'light'}.skn")
-                switches += 1
-                continue
-            image = dump(f"/tmp/skin{number}.png")
-            dumps[number] += 1
-            refused[number] += image is None
-            torn += image is not None and image not in pictures.values()
-
-    at_once(5, use)
-    shown = "light" if "light" in phone.must("settings", "get", "theme-skin").stdout else "dark"
-    trial.until(f"the skin that was set last, {shown}, is shared", lambda: dump("/tmp/skin.png") == pictures[shown])
-    trial.row("dumps of the shared image while the skin is switched", sum(dumps),
-              note=f"{switches} switches; {sum(refused)} dumps refused, as another is being stored; "
-              f"{torn} mixed of two skins")
 
 
 def many_applications(trial, phone, count):
@@ -305,7 +311,10 @@ def main(trial):
     phone.start_server()
     phone.start_application("doodle")
     status_table(trial, phone, part)
-    shared_image(trial, phone, 2 * part)
+    switched_skin(trial, phone, part)
+    made_image(trial, phone, part)
+    phone.shut_down()
+    phone.start_server()
     many_applications(trial, phone, APPLICATIONS if trial.seconds > 20 else 12)
     jumping_clock(trial, part)
 
