@@ -26,10 +26,27 @@ bool mayBePlain(char16_t c)
     return c < 0x300 || (c >= 0x370 && QChar(c).isLetter());
 }
 
-// Whether it runs from right to left, or makes what follows do so.
-bool mayTurn(QChar c)
+// Kana and the ideographs of everyday use.
+constexpr char16_t kFirstIdeograph = 0x3041;
+constexpr char16_t kBehindIdeographs = 0xA000;
+constexpr qint16 kUnmeasured = -1;
+constexpr qint16 kNotSimple = -2;
+
+bool isIdeograph(QChar c) { return c.unicode() >= kFirstIdeograph && c.unicode() < kBehindIdeographs; }
+
+// Whether a row may end before and behind it, as long as it is among its like. Some kana never begin one.
+bool mayBreakAround(QChar c)
 {
-    if (c.unicode() < 0x590)
+    const QString two(2, c);
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Line, two);
+    finder.setPosition(1);
+    return c.isLetter() && finder.isAtBoundary();
+}
+
+// Whether it runs from right to left, or makes what follows do so.
+bool turns(QChar c)
+{
+    if (c.unicode() < 0x590 || isIdeograph(c))
         return false;
     if (c.isHighSurrogate()) // of the scripts at U+10800 and U+1E800
         return c.unicode() == 0xD802 || c.unicode() == 0xD803 || c.unicode() == 0xD83A || c.unicode() == 0xD83B;
@@ -112,6 +129,7 @@ void RowBreaker::setRules(const RowRules &rules)
 void RowBreaker::measureCharacters()
 {
     const QFontMetricsF metrics(m_rules.font);
+    m_ideographs.clear();
     m_advance.fill(-1);
     m_overhang.fill(0);
     for (char16_t c = 0; c < kTable; ++c) {
@@ -155,7 +173,7 @@ ParagraphRows RowBreaker::rows(const QString &paragraph) const
     if (plainRows(text, rows))
         return rows;
     rows.clear();
-    const bool cut = mayCut(text);
+    const bool cut = isInStretches(paragraph);
     int from = 0;
     do
         from = layStretch(text, from, cut, rows);
@@ -163,10 +181,15 @@ ParagraphRows RowBreaker::rows(const QString &paragraph) const
     return rows;
 }
 
-bool RowBreaker::mayCut(QStringView shown) const
+bool RowBreaker::isInStretches(const QString &paragraph) const
 {
-    return shown.size() >= kLong && m_rules.wrap != RowWrap::None && std::none_of(shown.begin(), shown.end(), mayTurn);
+    if (paragraph.size() < kLong || m_rules.wrap == RowWrap::None)
+        return false;
+    const QString text = shown(paragraph);
+    return !mayTurn(text) && !isPlain(text);
 }
+
+bool RowBreaker::mayTurn(QStringView shown) { return std::any_of(shown.begin(), shown.end(), turns); }
 
 // At a letter behind a space, or among ideographs, which are not joined.
 bool RowBreaker::beginsAfresh(QStringView shown, int column)
@@ -181,9 +204,50 @@ bool RowBreaker::beginsAfresh(QStringView shown, int column)
         && graphemes::charClass(before.unicode()) == graphemes::Ideograph && !letter.isMark();
 }
 
+int RowBreaker::ideographAdvance(QChar c) const
+{
+    if (!isIdeograph(c))
+        return kNotSimple;
+    if (m_ideographs.empty())
+        m_ideographs.assign(kBehindIdeographs - kFirstIdeograph, kUnmeasured);
+    qint16 &known = m_ideographs[c.unicode() - kFirstIdeograph];
+    if (known == kUnmeasured) {
+        const QFontMetricsF metrics(m_rules.font);
+        const qreal advance = metrics.horizontalAdvance(c);
+        const bool isSimple = advance > 0 && advance < 500 && metrics.rightBearing(c) >= 0 && mayBreakAround(c);
+        known = isSimple ? qint16(units(advance)) : kNotSimple;
+    }
+    return known;
+}
+
+// Appends rows of nothing but ideographs, which simply end where they are full, and answers where the last one ends. A
+// key among them moves all rows to the next thing of another width: to lay these out would take a second in a megabyte.
+int RowBreaker::ideographRows(QStringView text, int from, ParagraphRows &rows) const
+{
+    for (;;) {
+        int end = from;
+        int width = 0;
+        int advance = kNotSimple;
+        for (; end < text.size() && (advance = ideographAdvance(text[end])) > 0; ++end) {
+            const int needed = m_rules.wrap == RowWrap::Columns ? end + 1 - from : width + advance;
+            if (needed > m_limit)
+                break;
+            width += advance;
+        }
+        if (end == from || end == text.size() || advance < 0) // another rule may hold for this row
+            return from;
+        rows.append({end, pixels(width)});
+        from = end;
+    }
+}
+
 // Appends the rows that are certain, at least one, and answers where they end.
 int RowBreaker::layStretch(const QString &text, int from, bool cut, ParagraphRows &rows) const
 {
+    if (cut) {
+        if (const int end = ideographRows(text, from, rows); end > from)
+            return end;
+    }
     for (qsizetype length = cut ? kStretch : text.size();; length *= 2) {
         const bool whole = from + length >= text.size();
         const auto layout = from == 0 && whole ? layOut(text) : layOut(text.mid(from, length));

@@ -6,6 +6,7 @@
 #include <QVarLengthArray>
 #include <array>
 #include <memory>
+#include <vector>
 
 enum class RowWrap { None, Pixels, Columns };
 enum class RowEcho { Plain, Masked, Hidden }; // masked: every unit is an asterisk; hidden: nothing is shown
@@ -60,7 +61,8 @@ public:
     // begins afresh does not depend on what stands before it, and so do those below.
     static constexpr int kStretch = 2048; // units: some 50 rows of a phone; what a key in a long paragraph costs
     static constexpr int kLong = 2 * kStretch; // shorter paragraphs are laid out as a whole
-    [[nodiscard]] bool mayCut(QStringView shown) const;
+    [[nodiscard]] bool isInStretches(const QString &paragraph) const;
+    static bool mayTurn(QStringView shown); // whether something may run from right to left
     static bool beginsAfresh(QStringView shown, int column);
 
     // What a change left alone: the units before it and those behind it.
@@ -68,8 +70,8 @@ public:
         int before;
         int behind;
     };
-    // The rows of a paragraph that had `old` rows: only those are laid out that the change can have moved. Both texts
-    // may be cut.
+    // The rows of a paragraph that had `old` rows: only those are laid out that the change can have moved. It is laid
+    // out in stretches, before and now.
     [[nodiscard]] ParagraphRows rowsAgain(const QString &shown, const ParagraphRows &old, Kept kept) const;
 
 private:
@@ -82,6 +84,8 @@ private:
     void breakWord(QStringView text, Row &row) const;
     [[nodiscard]] QStringView surroundings(QStringView text, int column, int room) const;
     int layStretch(const QString &text, int from, bool cut, ParagraphRows &rows) const;
+    int ideographRows(QStringView text, int from, ParagraphRows &rows) const;
+    [[nodiscard]] int ideographAdvance(QChar c) const; // in units of the table; negative: it is none, or no simple one
     void fillColumns(QTextLayout &layout, QTextLine &line) const;
     [[nodiscard]] int advance(QChar c) const; // in units of the table, or 1; negative: not plain
     [[nodiscard]] int overhang(QChar last) const;
@@ -93,4 +97,5 @@ private:
     static constexpr int kTable = 0x500;
     std::array<qint16, kTable> m_advance; // 64ths of a pixel; negative: not plain
     std::array<qint16, kTable> m_overhang; // how far the glyph reaches beyond its advance
+    mutable std::vector<qint16> m_ideographs; // advances of those that were met
 };

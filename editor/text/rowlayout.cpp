@@ -12,7 +12,7 @@ bool RowLayout::setRules(const RowRules &rules)
     if (same && RowBreaker::adapted(rules.font) == m_breaker.font())
         return false;
     m_breaker.setRules(rules);
-    forgetAll();
+    m_stretches.clear();
     int paragraph = 0;
     m_rows.changeAll([&](Rows &rows) { rows = broken(paragraph++); });
     return true;
@@ -20,7 +20,7 @@ bool RowLayout::setRules(const RowRules &rules)
 
 void RowLayout::reset()
 {
-    forgetAll();
+    m_stretches.clear();
     m_composition = {};
     m_composing = -1;
     std::vector<Rows> rows;
@@ -45,7 +45,7 @@ RowLayout::Damage RowLayout::update(const TextModel::Change &change, int column)
             return {first, std::numeric_limits<int>::max()};
         return plain ? differing(old, now, column, first) : Damage{first, first + int(now.size()) - 1};
     }
-    forgetAll();
+    m_stretches.clear();
     std::vector<Rows> added;
     added.reserve(size_t(change.added));
     for (int i = 0; i < change.added; ++i)
@@ -68,12 +68,6 @@ RowLayout::Damage RowLayout::differing(const ParagraphRows &old, const Paragraph
     return {first + int(from), first + int(to)};
 }
 
-void RowLayout::forgetAll()
-{
-    m_stretches.clear();
-    m_long = {};
-}
-
 bool RowLayout::forgetStretches(int paragraph)
 {
     bool any = false;
@@ -86,27 +80,22 @@ void RowLayout::rebreak(int paragraph) { rebreak(paragraph, {0, 0}); }
 
 void RowLayout::rebreak(int paragraph, RowBreaker::Kept kept)
 {
-    const bool couldCut = m_long.paragraph == paragraph && m_long.mayCut;
     forgetStretches(paragraph);
-    m_long = {};
-    const bool again = mayCut(paragraph) && couldCut;
+    const QString text = m_breaker.shown(shownText(paragraph));
+    const QStringView changed = QStringView(text).mid(kept.before, text.size() - kept.before - kept.behind);
     m_rows.change(paragraph, 1, [&](Rows &rows) {
-        if (again)
-            rows = Rows(m_breaker.rowsAgain(m_breaker.shown(shownText(paragraph)), rows.ends, kept));
+        if (rows.inStretches && text.size() >= RowBreaker::kLong && !RowBreaker::mayTurn(changed)
+            && !m_breaker.isPlain(text))
+            rows = {m_breaker.rowsAgain(text, rows.ends, kept), true};
         else
             rows = broken(paragraph);
     });
 }
 
-bool RowLayout::mayCut(int paragraph) const
+RowLayout::Rows RowLayout::broken(int paragraph) const
 {
-    if (m_long.paragraph != paragraph) {
-        const QString text = m_breaker.shown(shownText(paragraph));
-        if (text.size() < RowBreaker::kLong)
-            return false;
-        m_long = {paragraph, !m_breaker.isPlain(text) && m_breaker.mayCut(text)};
-    }
-    return m_long.mayCut;
+    const QString text = shownText(paragraph);
+    return {m_breaker.rows(text), m_breaker.isInStretches(text)};
 }
 
 bool RowLayout::setComposition(const Composition &composition)
@@ -203,7 +192,7 @@ int RowLayout::offset(Cell cell) const
 const RowLayout::Stretch &RowLayout::stretchOf(const Row &row) const
 {
     constexpr int kRows = 32;
-    const bool whole = !mayCut(row.paragraph);
+    const bool whole = !m_rows.at(row.paragraph).inStretches;
     const StretchKey key{row.paragraph, whole ? 0 : row.index / kRows};
     if (const Stretch *known = m_stretches.object(key))
         return *known;

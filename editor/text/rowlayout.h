@@ -80,9 +80,10 @@ public:
 private:
     struct Rows {
         ParagraphRows ends;
+        bool inStretches = false; // the text is long, and its rows were not laid out all at once
 
         Rows() = default;
-        Rows(ParagraphRows &&rows) noexcept : ends(std::move(rows)) { }
+        Rows(ParagraphRows &&rows, bool cut) noexcept : ends(std::move(rows)), inStretches(cut) { }
         Rows(const Rows &) = default;
         Rows(Rows &&) noexcept = default;
         ~Rows() = default;
@@ -91,6 +92,7 @@ private:
         Rows &operator=(Rows &&other) noexcept
         {
             std::swap(ends, other.ends);
+            inStretches = other.inStretches;
             return *this;
         }
 
@@ -104,7 +106,7 @@ private:
     };
 
     static Damage differing(const ParagraphRows &old, const ParagraphRows &now, int column, int first);
-    [[nodiscard]] Rows broken(int paragraph) const { return {m_breaker.rows(shownText(paragraph))}; }
+    [[nodiscard]] Rows broken(int paragraph) const;
     [[nodiscard]] QString shownText(int paragraph) const;
     [[nodiscard]] bool isComposing(int paragraph) const;
     [[nodiscard]] int textColumn(int paragraph, int shown) const;
@@ -115,10 +117,8 @@ private:
     };
     using StretchKey = std::pair<int, int>; // paragraph; which of its stretches
     [[nodiscard]] const Stretch &stretchOf(const Row &row) const;
-    bool mayCut(int paragraph) const;
     bool forgetStretches(int paragraph); // whether there were any
     void rebreak(int paragraph, RowBreaker::Kept kept);
-    void forgetAll();
     void recompose(int paragraph, int from, int to);
     [[nodiscard]] int shownStart(const Row &row) const;
     [[nodiscard]] qreal shownX(const Row &row, int column) const;
@@ -129,9 +129,4 @@ private:
     Composition m_composition;
     int m_composing = -1; // its paragraph
     mutable QCache<StretchKey, Stretch> m_stretches{16}; // of paragraphs that are not plain
-    struct Long {
-        int paragraph = -1;
-        bool mayCut = false;
-    };
-    mutable Long m_long; // the long paragraph that was last asked for: whether it may be cut takes a look at all of it
 };

@@ -165,6 +165,9 @@ void TstRowLayout::longParagraphsHaveTheRowsOfTheirWhole_data()
     QTest::newRow("both directions") << u"abc \u05D0\u05D1\u05D2 12, (def) \u05D3 "_s;
     QTest::newRow("from right to left") << u"\u0627\u0644\u0628 \u062C 12, (de) "_s;
     QTest::newRow("ideographs") << u"\u65E5\u672C\u8A9E\u3002\u6F22\u5B57 a1"_s;
+    QTest::newRow("ideographs alone") << u"\u65E5\u672C\u8A9E\u6F22\u5B57"_s;
+    QTest::newRow("kana") << u"\u65E5\u672C\u3042\u308A\u304C\u3068\u3046\u30AB\u30BF"_s.repeated(20)
+            + u"\u30AB\u309A\u3063\u30FC"_s;
     QTest::newRow("hardly a space") << u"\u0E01\u0E02\u0E04abc\u0301"_s.repeated(20) + u' ';
     QTest::newRow("embedded directions") << u"abc d\u0301 \u05D0\u05D1 12 "_s.repeated(50) + u"\u202B\u202C"_s;
 }
@@ -173,11 +176,12 @@ void TstRowLayout::longParagraphsHaveTheRowsOfTheirWhole()
 {
     QFETCH(QString, alphabet);
     QRandomGenerator dice(7);
-    for (const bool anywhere : {false, true}) {
+    for (const auto &[wrap, limit, anywhere] :
+        {std::tuple(RowWrap::Pixels, 200, false), {RowWrap::Pixels, 200, true}, {RowWrap::Columns, 30, false}}) {
         QString text = alphabet.first(3) + random(dice, alphabet, 3 * RowBreaker::kStretch);
         TextModel model;
         model.setText(text);
-        RowLayout layout(model, {QFont(u"DejaVu Sans"_s, 9), RowWrap::Pixels, 200, anywhere});
+        RowLayout layout(model, {QFont(u"DejaVu Sans"_s, 9), wrap, limit, anywhere});
         for (int i = 0; i < 12; ++i) {
             const auto whole = layout.breaker().layOut(text);
             QCOMPARE(layout.rows(), whole->lineCount());
