@@ -104,6 +104,8 @@ int InputClient::registerEditor(QWidget *editor)
 {
     if (!editor)
         return 0;
+    if (const auto *area = qobject_cast<QAbstractScrollArea *>(editor)) // the pen is on what scrolls
+        area->viewport()->installEventFilter(this);
     if (const auto known = m_editors.constFind(editor); known != m_editors.cend())
         return known->id;
     const int id = freeId();
@@ -112,8 +114,6 @@ int InputClient::registerEditor(QWidget *editor)
     tellServer(*editor, *m_editors.insert(editor, {id, 0}));
     connect(editor, &QObject::destroyed, this, &InputClient::unregisterEditor);
     editor->installEventFilter(this);
-    if (const auto *area = qobject_cast<QAbstractScrollArea *>(editor)) // the pen is on what scrolls
-        area->viewport()->installEventFilter(this);
     return id;
 }
 

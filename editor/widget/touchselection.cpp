@@ -119,14 +119,19 @@ private:
 };
 
 TouchSelection::TouchSelection(ZMultiLineData &editor) : m_editor(editor) { }
-TouchSelection::~TouchSelection() = default;
+
+TouchSelection::~TouchSelection()
+{
+    delete m_fixed.data();
+    delete m_moving.data();
+}
 
 void TouchSelection::begin()
 {
     if (!m_fixed) {
         QWidget &viewport = *m_editor.editor.viewport();
-        m_fixed = std::make_unique<Handle>(*this, viewport);
-        m_moving = std::make_unique<Handle>(*this, viewport);
+        m_fixed = new Handle(*this, viewport);
+        m_moving = new Handle(*this, viewport);
     }
     m_active = true;
     follow();
@@ -137,8 +142,10 @@ void TouchSelection::end()
 {
     if (!std::exchange(m_active, false))
         return;
-    m_fixed->hide();
-    m_moving->hide();
+    for (Handle *handle : {m_fixed.data(), m_moving.data()}) {
+        if (handle) // else it went with its viewport
+            handle->hide();
+    }
     letGo(); // a hidden one may not see the pen go up
 }
 
@@ -172,7 +179,7 @@ void TouchSelection::showGlass() { m_glass->showOf(*m_editor.editor.viewport(), 
 void TouchSelection::take(const Handle &handle)
 {
     const ZMultiLineData::Operation operation(m_editor);
-    if (&handle == m_fixed.get()) {
+    if (&handle == m_fixed) {
         std::swap(m_fixed, m_moving);
         m_editor.mark(m_editor.dragEnd, m_editor.anchor);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QPointer>
 #include <memory>
 #include <utility>
 
@@ -33,7 +34,8 @@ private:
 
     ZMultiLineData &m_editor;
     bool m_active = false;
-    std::unique_ptr<Handle> m_fixed; // at the anchor
-    std::unique_ptr<Handle> m_moving; // at the end that is dragged
+    // The viewport's children, which an application may replace.
+    QPointer<Handle> m_fixed; // at the anchor
+    QPointer<Handle> m_moving; // at the end that is dragged
     std::unique_ptr<Glass> m_glass;
 };

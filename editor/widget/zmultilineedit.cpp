@@ -58,9 +58,7 @@ void ZMultiLineEdit::init(QWidget *, bool fieldMode, int, const char *name)
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);
     setAttribute(Qt::WA_KeyCompression);
-    viewport()->setBackgroundRole(QPalette::Base);
-    viewport()->setCursor(Qt::IBeamCursor);
-    viewport()->setAcceptDrops(true);
+    ZMultiLineEdit::setupViewport(viewport());
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setSizePolicy(QSizePolicy::Expanding, fieldMode ? QSizePolicy::Preferred : QSizePolicy::Expanding);
     d->applyRules();
@@ -68,6 +66,16 @@ void ZMultiLineEdit::init(QWidget *, bool fieldMode, int, const char *name)
         d->editorId = app->registerEditor(this);
         ZApplication::setMouseMode(this, ZApplication::MouseMode::PressHold);
     }
+}
+
+void ZMultiLineEdit::setupViewport(QWidget *viewport)
+{
+    d->touch.end();
+    viewport->setBackgroundRole(QPalette::Base);
+    viewport->setCursor(d->readOnly ? Qt::ArrowCursor : Qt::IBeamCursor);
+    viewport->setAcceptDrops(true);
+    if (ZApplication *app = ZApplication::instance(); app && d->editorId != 0)
+        app->registerEditor(this); // the pen on it asks for the keyboard
 }
 
 int ZMultiLineEdit::editorId() const { return d->editorId; }

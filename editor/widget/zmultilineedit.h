@@ -177,6 +177,7 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+    void setupViewport(QWidget *viewport) override;
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 public Q_SLOTS: // the order is fixed

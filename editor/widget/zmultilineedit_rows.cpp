@@ -158,7 +158,10 @@ bool ZMultiLineEdit::getUnderline() const { return d->underline; }
 void ZMultiLineEdit::setFixedVisibleLines(int lines)
 {
     d->fixedVisibleLines = std::clamp(lines, 0, 1000);
-    setSizePolicy(sizePolicy().horizontalPolicy(), lines > 0 ? QSizePolicy::Fixed : QSizePolicy::Expanding);
+    if (lines > 0)
+        setSizePolicy(sizePolicy().horizontalPolicy(), QSizePolicy::Fixed);
+    else
+        setMaxLines(d->maxLines); // which has a policy of its own
     updateGeometry();
 }
 

@@ -541,6 +541,13 @@ void TstZMultiLineEdit::aHeldPenMarksTheWord()
     send(end, QEvent::MouseButtonPress, end->geometry().center());
     send(end, QEvent::MouseMove, end->geometry().center() + way);
     QVERIFY(handles().isEmpty() && editor.text().isEmpty());
+
+    editor.disconnect();
+    editor.setText(u"one, two"_s);
+    QVERIFY(hold(editor.point(0, 6)));
+    editor.setViewport(new QWidget); // the handles go with the old one
+    QVERIFY(handles().isEmpty() && editor.viewport()->acceptDrops());
+    QVERIFY(hold(editor.point(0, 2)) && handles().size() == 2);
 }
 
 void TstZMultiLineEdit::movedTextIsOneStep()
