@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextEdit>
 #include <QUndoStack>
@@ -15,8 +16,11 @@
 #include <functional>
 #include <malloc.h>
 #include <memory>
+#include <string>
 
 namespace {
+
+constexpr int kMegabyteLines = (1 << 20) / 81;
 
 QString lines(int count)
 {
@@ -98,7 +102,8 @@ template <typename Editor> std::unique_ptr<Editor> make()
     return editor;
 }
 
-double median(int repetitions, const std::function<void()> &prepare, const std::function<void()> &measured)
+// In microseconds, the shortest first.
+QList<double> times(int repetitions, const std::function<void()> &prepare, const std::function<void()> &measured)
 {
     QList<double> times;
     for (int i = 0; i < repetitions; ++i) {
@@ -109,13 +114,40 @@ double median(int repetitions, const std::function<void()> &prepare, const std::
         times << double(timer.nsecsElapsed()) / 1000;
     }
     std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
+    return times;
+}
+
+double median(int repetitions, const std::function<void()> &prepare, const std::function<void()> &measured)
+{
+    return times(repetitions, prepare, measured)[repetitions / 2];
 }
 
 template <typename Editor> void type(Editor &editor, char16_t letter)
 {
     QKeyEvent press(QEvent::KeyPress, letter - u'a' + Qt::Key_A, Qt::NoModifier, QString(QChar(letter)));
     QCoreApplication::sendEvent(&editor, &press);
+}
+
+struct Scrolling {
+    double median, slow, inTime; // 99 of 100 are no slower; percent, of 60 frames a second
+};
+
+// Through the middle of the text, painted after each step; `pages` or else by as little as the editor scrolls.
+template <typename Editor> Scrolling scroll(int lineCount, bool pages)
+{
+    constexpr int kFrames = 600;
+    constexpr double kFrame = 1e6 / 60; // us
+    auto editor = make<Editor>();
+    setText(*editor, lines(lineCount));
+    rowsOf(*editor);
+    QScrollBar &bar = *editor->verticalScrollBar();
+    const int step = pages ? bar.pageStep() : 1;
+    bar.setValue(std::max(0, bar.maximum() / 2 - kFrames / 2 * step));
+    QCoreApplication::processEvents();
+    const QList<double> frames = times(
+        kFrames, [] {}, [&] { bar.setValue(bar.value() + step), QCoreApplication::processEvents(); });
+    const auto inTime = std::upper_bound(frames.begin(), frames.end(), kFrame) - frames.begin();
+    return {frames[kFrames / 2], frames[kFrames * 99 / 100], 100.0 * double(inTime) / kFrames};
 }
 
 struct Figures {
@@ -257,6 +289,17 @@ void row(const char *what, double ours, double plain, double rich)
     std::fflush(stdout);
 }
 
+void measureScrolling(const char *what, int lineCount, bool pages)
+{
+    const Scrolling all[] = {scroll<ZMultiLineEdit>(lineCount, pages), scroll<QPlainTextEdit>(lineCount, pages),
+        scroll<QTextEdit>(lineCount, pages)};
+    const std::string name(what);
+    row((name + ", median (us)").c_str(), all[0].median, all[1].median, all[2].median);
+    row((name + ", 99 % (us)").c_str(), all[0].slow, all[1].slow, all[2].slow);
+    std::printf("%-52s %11.1f %11.1f %11.1f\n", (name + ", in 16.7 ms (%)").c_str(), all[0].inTime, all[1].inTime,
+        all[2].inTime);
+}
+
 void measureRecording()
 {
     constexpr int kCommands = 20000;
@@ -291,9 +334,15 @@ int main(int argc, char **argv)
         std::printf("%.2f us\n", keyTime<ZMultiLineEdit>(100000, true));
         return 0;
     }
-    const QString megabyte = lines((1 << 20) / 81);
+    const QString megabyte = lines(kMegabyteLines);
     std::printf("%-52s %11s %11s %11s %9s %9s\n", "", "ours", "plain", "rich", "plain", "rich");
     measureRecording();
+    measureScrolling("a page on in 1 MB", kMegabyteLines, true);
+    measureScrolling("the least step on in 1 MB", kMegabyteLines, false);
+    measureScrolling("a page on in 100 000 lines", 100000, true);
+    measureScrolling("the least step on in 100 000 lines", 100000, false);
+    if (app.arguments().contains(QStringLiteral("--scroll")))
+        return 0;
     const Figures ours = measure<ZMultiLineEdit>(megabyte);
     const Figures plain = measure<QPlainTextEdit>(megabyte);
     const Figures rich = measure<QTextEdit>(megabyte);
