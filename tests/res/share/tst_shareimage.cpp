@@ -9,6 +9,7 @@
 #include <QtEndian>
 #include <UTIL_ShareImage>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <optional>
 #include <sys/mman.h>
@@ -87,7 +88,7 @@ pid_t startChild(const auto &action)
 int statusOf(pid_t child)
 {
     int status = -1;
-    ::waitpid(child, &status, 0);
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) { } // the toolkit may be told of children by a signal
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

@@ -115,7 +115,7 @@ void TstSkinFileReader::failures_data()
     QTest::addColumn<bool>("loaded");
     const QString bad = u"/tmp/bad"_s;
     const QByteArray good = content(kFile);
-    const qsizetype start = good.mid(16, 8).toLongLong(nullptr, 16);
+    const qsizetype start = good.mid(16, 8).toInt(nullptr, 16);
     const auto wordAt = [&](qsizetype at) { return qFromLittleEndian<quint32>(good.constData() + at); };
     const auto data = qsizetype(wordAt(start + 16));
     const auto with = [&](qsizetype at, const QByteArray &bytes) {
