@@ -16,7 +16,11 @@ PREAMBLE = r"""
 waiting=()
 tyx() {
   case "$*" in
-    *--count*) command tyx "$@"; return ;;
+    "bus send --"* | *--count*) command tyx "$@"; return ;;
+    "bus send"*) # nobody is told when nobody hears it
+      command tyx bus list | awk -v channel="$3" '$2 == channel { found = 1 } END { exit !found }' ||
+        { echo "nobody has the channel '$3'" >&2; return 1; }
+      command tyx "$@"; return ;;
     "bus monitor"* | "settings watch"* | "status watch"* | "im watch"* | "lock hold"*) ;;
     *) command tyx "$@"; return ;;
   esac
