@@ -26,6 +26,7 @@ using Row = Route<ScreenService>;
 
 constexpr Row screenRoutes[] = {
     {"shot(QCString)", &ScreenService::onShot},
+    {"frame(QCString,int)", &ScreenService::onFrame},
     {"windows(QCString)", &ScreenService::onWindows},
     {"key(QCString,int,int,int)", &ScreenService::onKey},
     {"text(QCString,QString)", &ScreenService::onText},
@@ -90,6 +91,14 @@ void ScreenService::onShot(const QByteArray &arguments)
     QBuffer png;
     QWSServer::instance()->grabScreen().save(&png, "PNG");
     answer(channel, "shot(QByteArray)", wire::pack(png.data()));
+}
+
+void ScreenService::onFrame(const QByteArray &arguments)
+{
+    QCString channel;
+    qint32 seen = 0;
+    if (wire::unpack(arguments, channel, seen))
+        m_picture.ask(channel, seen);
 }
 
 void ScreenService::onWindows(const QByteArray &arguments)

@@ -1,6 +1,7 @@
 // Lets tools look at the screen and use it: the channel "TYX/Screen" (docs/messages.md lists its messages).
 #pragma once
 
+#include "guiserver/screenpicture.h"
 #include "platform/bus/qcopchannel.h"
 
 #include <QObject>
@@ -15,6 +16,7 @@ public:
 
     // One a message; each ends with an answer.
     void onShot(const QByteArray &arguments);
+    void onFrame(const QByteArray &arguments);
     void onWindows(const QByteArray &arguments);
     void onKey(const QByteArray &arguments);
     void onText(const QByteArray &arguments);
@@ -25,4 +27,5 @@ private:
     void answerWhenRead(const QCString &channel, int looks);
 
     QCopChannel m_channel;
+    ScreenPicture m_picture;
 };

@@ -157,11 +157,17 @@ bool print(const BusInspector::Sent &sent, bool asJson)
     return flushOutput();
 }
 
+// Sixty in a second would bury everything else: who wants to see them names their channel.
+bool isPictureOfViewer(const BusInspector::Sent &sent)
+{
+    return sent.message == "frame(QCString,int)" || sent.message == "frame(int,int,int,int,int)";
+}
+
 int monitor(const Options &options)
 {
     const auto isWanted = [&wanted = options.channels](const BusInspector::Sent &sent) {
         const std::string channel(sent.channel.data(), size_t(sent.channel.size()));
-        return wanted.empty() || std::ranges::find(wanted, channel) != wanted.end();
+        return wanted.empty() ? !isPictureOfViewer(sent) : std::ranges::find(wanted, channel) != wanted.end();
     };
     return monitorBus(isWanted, options.count, options.json);
 }
@@ -291,7 +297,8 @@ void addBus(CLI::App &app, int &exit)
     sending->footer(footer + "tyx bus describe MESSAGE tells what a message takes.");
 
     CLI::App *watching = add(*bus, "monitor",
-        "Prints all messages: sender, channel, name, size, arguments (as bytes where they are not known).",
+        "Prints all messages: sender, channel, name, size, arguments (as bytes where they are not known). Pictures for "
+        "viewers are left out unless their channel is named.",
         running(monitor));
     watching->add_option("channel", options->channels, "Only these channels");
     watching->add_option("--count", options->count, "Stops after so many messages")->check(countRange());

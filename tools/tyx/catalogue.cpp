@@ -127,6 +127,7 @@ constexpr KnownMessage kMessages[] = {
     {"TYX/TestCapture", "pen(int,int,int)", "int x, int y, int buttons", "a phone under test delivered the pen"},
 
     {kScreen, "shot(QCString)", "qcstring answerTo", "asks for a picture of the screen"},
+    {kScreen, "frame(QCString,int)", "qcstring answerTo, int seen", "asks for the next live picture of the screen"},
     {kScreen, "windows(QCString)", "qcstring answerTo", "asks for the windows"},
     {kScreen, "key(QCString,int,int,int)", "qcstring answerTo, int unicode, int key, int modifiers",
         "presses a key and releases it"},
