@@ -4,13 +4,13 @@
 #include "platform/bus/qcopchannel.h"
 #include "tools/tyx/command.h"
 #include "tools/tyx/inputwriter.h"
+#include "tools/tyx/panelplace.h"
 #include "tools/tyx/recorder.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -125,26 +125,6 @@ int list(const Options &options)
     return Done;
 }
 
-TP_Calibration_Parameter_T inForce() { return storedCalibration().value_or(TP_Calibration_Parameter_T{}); }
-
-// The place of the panel that is shown as `screen`, or the nearest there is.
-std::optional<QPoint> devicePoint(QPoint screen)
-{
-    const TP_Calibration_Parameter_T p = inForce();
-    const double determinant = double(p.a) * p.e - double(p.b) * p.d;
-    if (determinant == 0)
-        return std::nullopt;
-    const double u = (screen.x() + 0.5) * p.s - p.c; // the middle of the pixel
-    const double v = (screen.y() + 0.5) * p.s - p.f;
-    const double x = (p.e * u - p.b * v) / determinant;
-    const double y = (p.a * v - p.d * u) / determinant;
-    if (!(std::abs(x) < 1e6 && std::abs(y) < 1e6))
-        return std::nullopt;
-    return QPoint(int(std::floor(x)), int(std::floor(y)));
-}
-
-bool isOnPanel(const QPoint &p) { return p.x() >= 0 && p.y() >= 0 && p.x() <= 0xFFFF && p.y() <= 0xFFFF; }
-
 // The pen goes down at the first place, over the straight lines to the others, and up at the last.
 int stroke(const Options &options)
 {
@@ -156,7 +136,7 @@ int stroke(const Options &options)
     std::vector<QPoint> places;
     for (size_t i = 0; i < options.points.size(); i += 2) {
         const QPoint typed(options.points[i], options.points[i + 1]);
-        const auto place = options.raw ? std::optional(typed) : devicePoint(typed);
+        const auto place = options.raw ? std::optional(typed) : panelPlace(typed);
         if (!place || !isOnPanel(*place))
             return refuse(QStringLiteral("the panel does not reach %1, %2; tyx touch show prints its calibration")
                               .arg(typed.x())
@@ -189,7 +169,7 @@ int stroke(const Options &options)
 int show(const Options &options)
 {
     const auto stored = storedCalibration();
-    const TP_Calibration_Parameter_T p = inForce();
+    const TP_Calibration_Parameter_T p = calibrationInForce();
     if (options.json)
         printJson(QJsonDocument(QJsonObject{{QStringLiteral("stored"), stored.has_value()}, {QStringLiteral("a"), p.a},
             {QStringLiteral("b"), p.b}, {QStringLiteral("c"), p.c}, {QStringLiteral("d"), p.d},

@@ -1,0 +1,76 @@
+// tyx-phone, what `tyx phone` starts: the phone in a window of the desktop. It attaches to the GUI server that runs
+// beside it, and may come and go as it likes.
+#include "tools/phone/phonewindow.h"
+
+#include <CLI/CLI.hpp>
+#include <QApplication>
+#include <QSocketNotifier>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <sys/signalfd.h>
+
+namespace {
+
+constexpr int kUsage = 2;
+constexpr int kFailed = 3;
+
+struct Options {
+    std::string name;
+    std::string folder = ".";
+};
+
+int fail(const char *text)
+{
+    std::fprintf(stderr, "tyx phone: %s\n", text);
+    return kFailed;
+}
+
+// The toolkit would abort.
+bool hasDisplay() { return std::getenv("QT_QPA_PLATFORM") || std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY"); }
+
+// Ends in order when it is told to: the recorder is ended, the hand lets go.
+void endOnSignals(QApplication &application, const sigset_t &signals)
+{
+    auto *notifier =
+        new QSocketNotifier(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK), QSocketNotifier::Read, &application);
+    QObject::connect(notifier, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
+}
+
+int run(int argc, char **argv, const Options &options)
+{
+    auto orders = Hand::start();
+    if (!orders)
+        return fail(qPrintable(orders.error().text()));
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    sigprocmask(SIG_BLOCK, &signals, nullptr); // before threads are made, which inherit it
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStringLiteral("fusion"));
+    endOnSignals(application, signals);
+    PhoneWindow window(
+        std::move(*orders), {QString::fromStdString(options.name), QString::fromStdString(options.folder)});
+    window.show();
+    return QApplication::exec();
+}
+
+}
+
+int main(int argc, char **argv)
+{
+    Options options;
+    CLI::App program("Shows the phone that runs here in a window, with its keys, its flip and its state.", "tyx phone");
+    program.add_option("--name", options.name, "A name for the window's title, where several phones run");
+    program.add_option("--folder", options.folder, "Where screenshots and recordings are put first (default: here)");
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return program.exit(error) == 0 ? 0 : kUsage;
+    }
+    if (!hasDisplay())
+        return fail("there is no display: DISPLAY is not set");
+    return run(argc, argv, options);
+}
