@@ -1,19 +1,27 @@
 #!/usr/bin/env bash
-# Builds and starts a phone in a sandbox, with its applications: run.sh [--headless] [--refresh-pictures]
-# With a display it opens a window, until that is closed. Without one, or with --headless, it plays a short scripted
-# session, saves pictures of it, and ends; the exit status tells whether everything happened as it should.
-# --refresh-pictures copies those of the README into docs/pictures, to be committed.
+# Builds and starts a phone in a sandbox, with its applications: run.sh [--phone NAME] [--headless] [--refresh-pictures]
+# With a display it shows the phone in a window, and ends it when that is closed. Without one, or with --headless, it
+# plays a short scripted session, saves pictures of it, and ends; the exit status tells whether everything happened as
+# it should. --phone NAME is another phone with settings of its own, in build/phones/NAME; any number may run at once.
+# --refresh-pictures copies the session's pictures of the README into docs/pictures, to be committed.
 . "$(dirname "$0")/common.sh"
 
-headless=false refresh=false
+headless=false refresh=false name=
 [ -n "${DISPLAY:-}" ] || headless=true
-for option in "$@"; do
-  case $option in
+usage() { echo "run.sh: $* (see run.sh --help)" >&2; exit 2; }
+while [ $# -gt 0 ]; do
+  case $1 in
+    --phone)
+      name=${2:-}
+      [[ $name =~ ^[A-Za-z0-9_][A-Za-z0-9_.-]*$ ]] || usage "--phone needs a name of letters, digits, dots and dashes"
+      shift
+      ;;
     --headless) headless=true ;;
     --refresh-pictures) headless=true refresh=true ;;
-    -h | --help) sed -n '2,6s/^# //p' "$0"; exit 0 ;;
-    *) echo "run.sh: unknown option $option (see run.sh --help)" >&2; exit 2 ;;
+    -h | --help) sed -n '2,7s/^# //p' "$0"; exit 0 ;;
+    *) usage "unknown option $1" ;;
   esac
+  shift
 done
 
 ensure_packages "${build_packages[@]}" "${phone_packages[@]}"
@@ -21,6 +29,7 @@ build release phone
 
 # The phone of the desktop keeps its settings here; the session plays on a phone that nobody used before.
 phone=$project/build/phone
+[ -z "$name" ] || phone=$project/build/phones/$name
 if $headless; then
   phone=$project/build/session
   rm -rf "$phone/setup" "$phone/pictures"
@@ -40,12 +49,14 @@ trap 'rm -f "$phone/info.json"' EXIT
 start() { # SCRIPT: runs it inside, where its folders are
   PATH="$project/build/release/bin:$PATH" "$project/scripts/sandbox" --rw "$phone" --setup "$phone/setup" \
     "${environment[@]/#/--env=}" --sounds "$share/soundfile" --info-fd 7 -- \
-    "$project/scripts/$1" "$phone/pictures" 7> "$phone/info.json" 8>&-
+    "$project/scripts/$1" "$phone/pictures" ${name:+"$name"} 7> "$phone/info.json" 8>&-
 }
 
 if ! $headless; then
   say "starting the phone: close its window to stop it, tap its status bar to see the next application"
-  echo "try: scripts/in-phone tyx bus send TYX/Application/hello greet"
+  inside="scripts/in-phone${name:+ --phone build/phones/$name}"
+  echo "try: $inside tyx bus send TYX/Application/hello greet"
+  echo "another window of the same phone: $inside tyx phone"
   start phone-desktop
   exit
 fi
