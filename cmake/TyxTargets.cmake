@@ -58,31 +58,27 @@ function(tyx_public_headers)
   endforeach()
 endfunction()
 
-# tyx_program(<name> SOURCES <file>... [LINK <target>...])   A program over the shared library.
+# tyx_program(<name> SOURCES <file>... [LINK <target>...])
+# A program over the shared library, which it finds from where it is when both are installed.
 function(tyx_program name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE tyxappbase ${arg_LINK} tyx_options)
+  set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 endfunction()
 
-find_program(TYX_LRELEASE lrelease HINTS ${QT6_INSTALL_PREFIX}/${QT6_INSTALL_BINS} /usr/lib/qt6/bin REQUIRED)
-
-# tyx_strings(<name> <folder>/<name>_<language>.ts ...)
-# Compiles translations into strings/<language>/ of the build tree, the layout that TYX_RES_STRING_PATH wants.
-function(tyx_strings name)
-  foreach(source IN LISTS ARGN)
-    cmake_path(GET source STEM LAST_ONLY file)
-    string(REPLACE "${name}_" "" language ${file})
-    set(folder ${CMAKE_BINARY_DIR}/strings/${language})
-    add_custom_command(OUTPUT ${folder}/${file}.qm
-      COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
-      COMMAND ${TYX_LRELEASE} -silent ${CMAKE_CURRENT_SOURCE_DIR}/${source} -qm ${folder}/${file}.qm
-      DEPENDS ${source} VERBATIM)
-    install(FILES ${folder}/${file}.qm DESTINATION ${CMAKE_INSTALL_DATADIR}/tyxappbase/strings/${language})
-    list(APPEND compiled ${folder}/${file}.qm)
-  endforeach()
-  add_custom_target(${name}_strings ALL DEPENDS ${compiled})
+# tyx_input_method(<name> SOURCES <file>... [LINK <target>...])
+# An input method, where IM_ResDir looks for them below $QTDIR, in the build tree and installed. The process that loads
+# it has the shared library already, so that it need not find it.
+function(tyx_input_method name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_library(${name} MODULE ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE tyxappbase ${arg_LINK} tyx_options)
+  set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/inputmethods)
+  install(TARGETS ${name} DESTINATION lib/inputmethods)
 endfunction()
+
+include(TyxStrings)
 
 # In a cross build the emulator goes around the sandbox: then it also runs the programs that a test starts.
 set(TYX_SANDBOX ${CMAKE_CROSSCOMPILING_EMULATOR} ${CMAKE_SOURCE_DIR}/scripts/sandbox --rw ${CMAKE_BINARY_DIR} --)
