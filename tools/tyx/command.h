@@ -85,6 +85,7 @@ void addSkin(CLI::App &app, int &exit); // in tyx-images, like the next
 void addShare(CLI::App &app, int &exit);
 void addDoctor(CLI::App &app, int &exit);
 void addLock(CLI::App &app, int &exit);
+void addNewApp(CLI::App &app, int &exit);
 void addStatus(CLI::App &app, int &exit);
 void addSettings(CLI::App &app, int &exit);
 void addKeys(CLI::App &app, int &exit); // both in input.cpp

@@ -31,7 +31,7 @@ void addOtherPrograms(CLI::App &app, int &)
 
 constexpr tyx::AddCommand kCommands[] = {tyx::addScreen, tyx::addKeys, tyx::addTouch, tyx::addBus, tyx::addConfig,
     tyx::addSettings, tyx::addQueue, tyx::addIm, tyx::addPack, addOtherPrograms, tyx::addDoctor, tyx::addLock,
-    tyx::addStatus};
+    tyx::addStatus, tyx::addNewApp};
 
 }
 

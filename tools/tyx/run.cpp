@@ -43,6 +43,7 @@ int run(int argc, char **argv, std::span<const AddCommand> commands)
     CLI::App app("Inspects, drives and tests a phone.", "tyx");
     app.require_subcommand(1);
     app.failure_message(usageError);
+    app.set_version_flag("--version", TYX_VERSION, "Prints the version and exits");
     app.footer("Exit status: 0 done, 1 answered no, 2 wrong usage, 3 failed.");
     int exit = Done;
     for (const AddCommand add : commands)
