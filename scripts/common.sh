@@ -20,6 +20,8 @@ check_packages=(clang-16 clang-tidy-16 clang-format-16 libclang-rt-16-dev git py
 # What builds for the handset's processor and emulates it, and the armel packages for it beside the -dev ones above.
 target_packages=(g++-arm-linux-gnueabi binutils-arm-linux-gnueabi qemu-user debian-archive-keyring)
 sysroot_packages=(libc6-dev libstdc++-12-dev qt6-wayland qt6-qpa-plugins xkb-data fonts-dejavu-core libasound2-data)
+# What makes Debian packages, and tries them on a clean Debian.
+package_packages=(debhelper dpkg-dev mmdebstrap git)
 # The peers that the benchmarks run beside us.
 bench_packages=(libbenchmark-dev libglib2.0-dev libkf5config-dev libsystemd-dev dbus libts-dev)
 
