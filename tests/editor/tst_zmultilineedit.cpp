@@ -542,7 +542,7 @@ void TstZMultiLineEdit::aHeldPenMarksTheWord()
     send(end, QEvent::MouseMove, end->geometry().center() + way);
     QVERIFY(handles().isEmpty() && editor.text().isEmpty());
 
-    editor.disconnect();
+    disconnect(&editor, &ZMultiLineEdit::cursorChanged, nullptr, nullptr);
     editor.setText(u"one, two"_s);
     QVERIFY(hold(editor.point(0, 6)));
     editor.setViewport(new QWidget); // the handles go with the old one
