@@ -96,7 +96,7 @@ void Compositor::connectProtocols(QWSServer &server)
     m_scene = std::make_unique<Scene>(server, m_screen.get());
     m_scene->setOutput(m_output.get());
     m_pacer = std::make_unique<FramePacer>(*m_scene);
-    m_input = std::make_unique<Input>(*m_scene, *m_keys, *seat, m_screen.get());
+    m_input = std::make_unique<Input>(*m_scene, *m_keys, *seat, m_output.get(), m_screen.get());
     Scene *scene = m_scene.get();
     QObject::connect(m_shell.get(), &Shell::surfaceCreated, scene, &Scene::surfaceCreated);
     QObject::connect(m_ids.get(), &WindowIds::identified, scene, &Scene::surfaceIdentified);

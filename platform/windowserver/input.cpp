@@ -18,8 +18,8 @@
 #include <memory>
 #include <qpa/qwindowsysteminterface.h>
 
-Input::Input(Scene &scene, KeyExtension &keys, QWaylandSeat &seat, QWidget *screen)
-    : m_scene(scene), m_keys(keys), m_seat(seat), m_screen(screen)
+Input::Input(Scene &scene, KeyExtension &keys, QWaylandSeat &seat, QWaylandOutput *output, QWidget *screen)
+    : m_scene(scene), m_keys(keys), m_seat(seat), m_screen(screen), m_drag(seat, output, screen)
 {
     connect(&scene, &Scene::activeChanged, this, &Input::follow);
     connect(&m_repeatTimer, &QTimer::timeout, this, &Input::repeat);
@@ -43,8 +43,11 @@ void Input::setEnabled(bool on)
 {
     if (!on) {
         // Pen and keys will go up unseen.
-        if (m_pointer.buttons)
+        m_drag.cancel();
+        if (m_pointer.buttons) {
             sendPointer({m_pointer.position, Qt::NoButton, 0});
+            QWindowSystemInterface::flushWindowSystemEvents(); // before nothing gets through any more
+        }
         for (const int code : m_holders.keys())
             deliver({0, code, 0, false, false});
     }
@@ -172,6 +175,11 @@ bool Input::eventFilter(QObject *, QEvent *event)
         return ownKey(static_cast<const QKeyEvent &>(*event));
     case QEvent::MouseButtonPress:
         ownPress(static_cast<const QMouseEvent &>(*event).position().toPoint());
+        return false;
+    case QEvent::MouseMove:
+        return m_drag.move(static_cast<const QMouseEvent &>(*event).position().toPoint());
+    case QEvent::MouseButtonRelease:
+        m_drag.drop();
         return false;
     default:
         return false;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/window/windowserverbackend.h"
+#include "platform/windowserver/draganddrop.h"
 
 #include <QHash>
 #include <QObject>
@@ -12,6 +13,7 @@
 class ClientWindow;
 class KeyExtension;
 class QKeyEvent;
+class QWaylandOutput;
 class QWaylandSeat;
 class QWaylandSurface;
 class Scene;
@@ -20,7 +22,7 @@ class Input : public QObject {
     Q_OBJECT
 
 public:
-    Input(Scene &scene, KeyExtension &keys, QWaylandSeat &seat, QWidget *screen);
+    Input(Scene &scene, KeyExtension &keys, QWaylandSeat &seat, QWaylandOutput *output, QWidget *screen);
     ~Input() override;
 
     void watchRepeat(const KeyStroke &stroke);
@@ -45,6 +47,7 @@ private:
     KeyExtension &m_keys;
     QWaylandSeat &m_seat;
     QWidget *m_screen;
+    DragAndDrop m_drag;
     bool m_enabled = true;
     PointerState m_pointer{};
     QHash<int, QPointer<QWaylandSurface>> m_holders; // who got the press of a key gets its release

@@ -6,6 +6,8 @@
 //   move NAME X Y     title NAME TEXT     colour NAME COLOUR                                           -> "done NAME"
 //   id NAME           -> "id NAME NUMBER"
 //   ask NAME          runs a dialog -> "done NAME", and "answered" when it ends
+//   edit NAME FROM TO TEXT   fills the window with an editor, with a part of its text marked          -> "done NAME"
+//   text NAME         -> "text NAME TEXT"
 //   exit STATUS       ends the event loop
 // Events: "NAME press KEY TEXT-IN-HEX MODIFIERS REPEAT", "NAME release KEY", "NAME down|up|move X Y", "NAME wheel
 // DELTA", "NAME active", "NAME inactive", "NAME closed", "NAME shown WIDTH HEIGHT" after each new size.
@@ -20,6 +22,7 @@
 #include <QPointer>
 #include <QSocketNotifier>
 #include <QTimer>
+#include <ZMultiLineEdit>
 #include <cstdio>
 #include <unistd.h>
 
@@ -125,6 +128,15 @@ void ask(PeerWindow &window)
     answer(QStringLiteral("answered"));
 }
 
+void edit(PeerWindow &window, const QStringList &words)
+{
+    auto *editor = new ZMultiLineEdit(&window);
+    editor->setGeometry(window.rect());
+    editor->setText(words.mid(4).join(u' '));
+    editor->setSelection(0, words.value(2).toInt(), 0, words.value(3).toInt());
+    editor->show();
+}
+
 using Action = void (*)(PeerWindow &, const QStringList &);
 
 Action actionFor(const QString &word)
@@ -143,6 +155,7 @@ Action actionFor(const QString &word)
         {QStringLiteral("menu"), [](PeerWindow &w, const QStringList &) { menu(w); }},
         {QStringLiteral("move"),
             [](PeerWindow &w, const QStringList &words) { w.move(words.value(2).toInt(), words.value(3).toInt()); }},
+        {QStringLiteral("edit"), edit},
         {QStringLiteral("title"), [](PeerWindow &w, const QStringList &words) { w.setWindowTitle(words.value(2)); }},
         {QStringLiteral("colour"),
             [](PeerWindow &w, const QStringList &words) { w.setColour(QColor(words.value(2))); }},
@@ -158,6 +171,9 @@ void obey(const QStringList &words)
         answer(QStringLiteral("made ") + name);
     } else if (words.first() == QLatin1String("id")) {
         answer(QStringLiteral("id %1 %2").arg(name).arg(QWSApplication::windowId(windows.value(name))));
+    } else if (words.first() == QLatin1String("text")) {
+        const auto *editor = windows.value(name)->findChild<ZMultiLineEdit *>();
+        answer(QStringLiteral("text %1 %2").arg(name, editor ? editor->text() : QString()));
     } else if (words.first() == QLatin1String("exit")) {
         QCoreApplication::exit(name.toInt());
     } else if (const Action action = actionFor(words.first()); action && windows.value(name)) {
