@@ -6,6 +6,7 @@
 
 #include <QPainter>
 #include <QTime>
+#include <QTimerEvent>
 
 namespace {
 
@@ -18,6 +19,12 @@ QString titleInFront()
 {
     const QWSWindow *window = QWSServer::instance()->activeWindow();
     return window ? window->caption() : QString();
+}
+
+void showNextApplication()
+{
+    if (QWSWindow *window = QWSServer::instance()->activeWindow())
+        window->lower();
 }
 
 void drawGround(QPainter &painter, const QRect &rect)
@@ -58,6 +65,7 @@ StatusBar::StatusBar(QWidget *screen) : QWidget(screen)
     connect(&m_watcher, &SystemStatusWatcher::changed, this, &StatusBar::refresh);
     refresh();
     waitForNextMinute();
+    setAcceptDrops(true);
     show();
 }
 
@@ -79,17 +87,25 @@ void StatusBar::waitForNextMinute()
     m_minute.start(kMinute - QTime::currentTime().msecsSinceStartOfDay() % kMinute, Qt::PreciseTimer, this);
 }
 
-void StatusBar::timerEvent(QTimerEvent * /*event*/)
+void StatusBar::timerEvent(QTimerEvent *event)
 {
+    if (event->timerId() == m_held.timerId()) {
+        showNextApplication(); // and the one behind it, as long as it is held there
+        return;
+    }
     waitForNextMinute();
     refresh();
 }
 
-void StatusBar::mousePressEvent(QMouseEvent * /*event*/)
+void StatusBar::mousePressEvent(QMouseEvent * /*event*/) { showNextApplication(); }
+
+void StatusBar::dragEnterEvent(QDragEnterEvent * /*event*/)
 {
-    if (QWSWindow *window = QWSServer::instance()->activeWindow())
-        window->lower();
+    constexpr int kHold = 700; // milliseconds: longer than it takes to cross the bar
+    m_held.start(kHold, this);
 }
+
+void StatusBar::dragLeaveEvent(QDragLeaveEvent * /*event*/) { m_held.stop(); }
 
 int StatusBar::drawSigns(QPainter &painter, int right) const
 {

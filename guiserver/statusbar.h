@@ -21,6 +21,8 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent *event) override; // on to the next application
+    void dragEnterEvent(QDragEnterEvent *event) override; // the same, for what is held over it
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
 
@@ -32,4 +34,5 @@ private:
     StatusContent m_content;
     SystemStatusWatcher m_watcher;
     QBasicTimer m_minute;
+    QBasicTimer m_held; // while something is dragged over it
 };

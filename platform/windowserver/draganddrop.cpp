@@ -2,8 +2,13 @@
 
 #include "platform/windowserver/surfaceview.h"
 
+#include <QDragEnterEvent>
+#include <QDragLeaveEvent>
+#include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QWaylandClient>
+#include <QWaylandCompositor>
 #include <QWaylandDestroyListener>
 #include <QWaylandDrag>
 #include <QWaylandSeat>
@@ -30,10 +35,13 @@ std::vector<wl_resource *> resourcesOf(wl_client *client, const char *interface)
     return search.found;
 }
 
+// Not by sendEvent(), which leads these events to the target of the toolkit's own drags.
+void tell(QObject &widget, QEvent &event) { widget.event(&event); }
+
 }
 
-DragAndDrop::DragAndDrop(QWaylandSeat &seat, QWaylandOutput *output, QWidget *screen)
-    : m_seat(seat), m_output(output), m_screen(screen)
+DragAndDrop::DragAndDrop(wl_display *display, QWaylandSeat &seat, QWaylandOutput *output, QWidget *screen)
+    : m_dataSources(display), m_seat(seat), m_output(output), m_screen(screen)
 {
     connect(seat.drag(), &QWaylandDrag::dragStarted, this, &DragAndDrop::begin);
 }
@@ -49,10 +57,14 @@ void DragAndDrop::begin()
     if (!hasPen || QGuiApplication::mouseButtons() == Qt::NoButton)
         return; // it went up meanwhile
     m_client = origin->waylandClient();
+    m_position = m_screen->mapFromGlobal(QCursor::pos());
     // Before its resources go: the library would still say goodbye to one of them.
     m_clientGone = connect(origin->client(), &QObject::destroyed, this, &DragAndDrop::cancel);
-    for (wl_resource *source : resourcesOf(m_client, "wl_data_source"))
+    if (wl_resource *source = m_dataSources.latestOf(m_client)) {
         watch(source);
+        m_text = std::make_unique<DraggedText>(source);
+        connect(m_text.get(), &DraggedText::completed, this, [this] { move(m_position); });
+    }
     if (QWaylandSurface *icon = m_seat.drag()->icon()) {
         m_icon = std::make_unique<SurfaceView>(icon, m_output, m_screen);
         m_icon->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -69,13 +81,12 @@ void DragAndDrop::StopListening::operator()(QWaylandDestroyListener *listener) c
 // The library goes on using what is dragged when its client has destroyed it.
 void DragAndDrop::watch(wl_resource *source)
 {
-    Listener listener(new QWaylandDestroyListener);
-    listener->listenForDestruction(source);
-    connect(listener.get(), &QWaylandDestroyListener::fired, this, [this, fired = listener.get()] {
-        fired->reset();
+    m_source.reset(new QWaylandDestroyListener);
+    m_source->listenForDestruction(source);
+    connect(m_source.get(), &QWaylandDestroyListener::fired, this, [this] {
+        m_source->reset();
         m_sourceGone = true;
     });
-    m_sources.push_back(std::move(listener));
 }
 
 bool DragAndDrop::move(QPoint position)
@@ -84,20 +95,75 @@ bool DragAndDrop::move(QPoint position)
         cancel();
         return false;
     }
-    auto *view = qobject_cast<SurfaceView *>(m_screen->childAt(position));
-    const bool isOwn = view && view->surface() && view->surface()->waylandClient() == m_client;
-    aim(isOwn ? view : nullptr, position);
+    m_position = position;
+    QWidget *under = m_screen->childAt(position);
+    auto *view = qobject_cast<SurfaceView *>(under);
+    const bool isShown = view && view->surface();
+    hover(view ? nullptr : under);
+    aim(isShown ? view : nullptr, position);
     showIcon(position);
     return true;
 }
 
 void DragAndDrop::aim(SurfaceView *target, QPoint position)
 {
-    m_isAimed = target != nullptr;
-    if (target)
+    const bool isOwn = target && target->surface()->waylandClient() == m_client;
+    if (!isOwn && m_aim == Aim::Own)
+        m_seat.drag()->cancelDrag(); // it leaves the window
+    if (m_aim == Aim::Other && (isOwn || target != m_other))
+        leave();
+    m_aim = isOwn ? Aim::Own : m_aim == Aim::Own ? Aim::Nothing : m_aim;
+    if (isOwn)
         m_seat.drag()->dragMove(target->surface(), target->mapFrom(m_screen, position));
-    else
-        m_seat.drag()->cancelDrag();
+    else if (target)
+        aimAtOther(target, position);
+}
+
+void DragAndDrop::aimAtOther(SurfaceView *target, QPoint position)
+{
+    if (!m_text || !m_text->isComplete() || m_text->text().isEmpty())
+        return; // not yet, or there is nothing for others
+    const QPoint local = target->mapFrom(m_screen, position);
+    const wl_fixed_t x = wl_fixed_from_int(local.x());
+    const wl_fixed_t y = wl_fixed_from_int(local.y());
+    for (wl_resource *device : resourcesOf(target->surface()->waylandClient(), "wl_data_device")) {
+        if (m_aim == Aim::Other) {
+            QElapsedTimer now;
+            now.start();
+            wl_data_device_send_motion(device, uint32_t(now.msecsSinceReference()), x, y);
+        } else if (wl_resource *offer = DraggedText::offer(device, m_text->text())) {
+            wl_data_device_send_enter(
+                device, m_seat.compositor()->nextSerial(), target->surface()->resource(), x, y, offer);
+        }
+    }
+    m_aim = Aim::Other;
+    m_other = target;
+}
+
+void DragAndDrop::leave()
+{
+    if (m_other && m_other->surface()) {
+        for (wl_resource *device : resourcesOf(m_other->surface()->waylandClient(), "wl_data_device"))
+            wl_data_device_send_leave(device);
+    }
+    m_other.clear();
+    m_aim = Aim::Nothing;
+}
+
+void DragAndDrop::hover(QWidget *widget)
+{
+    if (widget == m_hovered)
+        return;
+    if (m_hovered) {
+        QDragLeaveEvent left;
+        tell(*m_hovered, left);
+    }
+    m_hovered = widget;
+    if (widget && widget->acceptDrops()) {
+        const QMimeData nothing; // to drop here
+        QDragEnterEvent entered({}, Qt::IgnoreAction, &nothing, Qt::LeftButton, {});
+        tell(*widget, entered);
+    }
 }
 
 // Over the pen, where the finger does not cover it.
@@ -115,10 +181,17 @@ void DragAndDrop::showIcon(QPoint position)
 // Not QWaylandDrag::drop(): it takes for granted that somebody wants it or that there is a source.
 void DragAndDrop::drop()
 {
-    if (m_client && m_isAimed && !m_sourceGone) {
-        for (wl_resource *device : resourcesOf(m_client, "wl_data_device"))
+    wl_client *target = nullptr;
+    if (m_aim == Aim::Own && !m_sourceGone)
+        target = m_client;
+    else if (m_aim == Aim::Other && m_other && m_other->surface())
+        target = m_other->surface()->waylandClient();
+    if (target) {
+        for (wl_resource *device : resourcesOf(target, "wl_data_device"))
             wl_data_device_send_drop(device);
     }
+    if (m_aim == Aim::Other)
+        m_aim = Aim::Nothing; // a drop is no leaving
     cancel();
 }
 
@@ -126,9 +199,11 @@ void DragAndDrop::cancel()
 {
     disconnect(m_clientGone);
     m_client = nullptr;
-    m_sources.clear();
+    m_source.reset();
     m_sourceGone = false;
-    if (m_isAimed)
-        aim(nullptr, {});
+    hover(nullptr);
+    aim(nullptr, {});
+    m_other.clear();
+    m_text.reset();
     m_icon.reset();
 }

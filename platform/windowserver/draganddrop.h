@@ -1,26 +1,28 @@
-// What a client drags with the pen within its own windows: shows it, and tells the window under the pen.
+// What a client drags with the pen: shows it, and tells the window under the pen.
 #pragma once
 
+#include "platform/windowserver/datasources.h"
+#include "platform/windowserver/draggedtext.h"
+
 #include <QObject>
+#include <QPoint>
+#include <QPointer>
 #include <memory>
-#include <vector>
 
 class QWaylandDestroyListener;
 class QWaylandOutput;
 class QWaylandSeat;
 class QWidget;
 class SurfaceView;
-struct wl_client;
-struct wl_resource;
 
-// Nothing is dragged from one client to another: the toolkit's server speaks the first version of the protocol for it,
-// and the toolkit's client says at a drop what only the third one knows, which disconnects it. The client sees the pen
-// go up too, which ends the drag for it wherever it ended.
+// The windows of the client itself are served by the toolkit's server. Those of others are offered text and nothing
+// else, by DraggedText. The server's own widgets get the toolkit's drag events, so that one of them may bring another
+// application into sight. The client sees the pen go up too, which ends the drag for it wherever it ended.
 class DragAndDrop : public QObject {
     Q_OBJECT
 
 public:
-    DragAndDrop(QWaylandSeat &seat, QWaylandOutput *output, QWidget *screen);
+    DragAndDrop(wl_display *display, QWaylandSeat &seat, QWaylandOutput *output, QWidget *screen);
     ~DragAndDrop() override;
 
     bool move(QPoint position); // on the screen; false: nothing is dragged
@@ -28,6 +30,8 @@ public:
     void cancel();
 
 private:
+    enum class Aim { Nothing, Own, Other };
+
     struct StopListening { // the library's listener would stay in the list of the resource
         void operator()(QWaylandDestroyListener *listener) const;
     };
@@ -36,15 +40,23 @@ private:
     void begin();
     void watch(wl_resource *source);
     void aim(SurfaceView *target, QPoint position);
+    void aimAtOther(SurfaceView *target, QPoint position);
+    void leave();
+    void hover(QWidget *widget); // of the server; null: none
     void showIcon(QPoint position);
 
+    DataSources m_dataSources;
     QWaylandSeat &m_seat;
     QWaylandOutput *m_output;
     QWidget *m_screen;
     wl_client *m_client = nullptr; // that drags; null: nothing is dragged
     QMetaObject::Connection m_clientGone;
-    std::vector<Listener> m_sources; // of the client; which of them is dragged the library does not tell
+    Listener m_source;
+    std::unique_ptr<DraggedText> m_text;
     bool m_sourceGone = false;
-    bool m_isAimed = false;
+    QPoint m_position; // of the pen, on the screen
+    Aim m_aim = Aim::Nothing;
+    QPointer<SurfaceView> m_other; // of another client, that was told of the drag
+    QPointer<QWidget> m_hovered;
     std::unique_ptr<SurfaceView> m_icon;
 };

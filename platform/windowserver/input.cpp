@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QWaylandCompositor>
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 #include <QWindow>
@@ -19,7 +20,11 @@
 #include <qpa/qwindowsysteminterface.h>
 
 Input::Input(Scene &scene, KeyExtension &keys, QWaylandSeat &seat, QWaylandOutput *output, QWidget *screen)
-    : m_scene(scene), m_keys(keys), m_seat(seat), m_screen(screen), m_drag(seat, output, screen)
+    : m_scene(scene)
+    , m_keys(keys)
+    , m_seat(seat)
+    , m_screen(screen)
+    , m_drag(seat.compositor()->display(), seat, output, screen)
 {
     connect(&scene, &Scene::activeChanged, this, &Input::follow);
     connect(&m_repeatTimer, &QTimer::timeout, this, &Input::repeat);

@@ -10,8 +10,9 @@
 //   text NAME         -> "text NAME TEXT"
 //   exit STATUS       ends the event loop
 // Events: "NAME press KEY TEXT-IN-HEX MODIFIERS REPEAT", "NAME release KEY", "NAME down|up|move X Y", "NAME wheel
-// DELTA", "NAME active", "NAME inactive", "NAME closed", "NAME shown WIDTH HEIGHT" after each new size.
-// With the argument "application" it also has the channels of an application, and its windows are editors.
+// DELTA", "NAME dragged" (over its editor), "NAME active", "NAME inactive", "NAME closed", "NAME shown WIDTH HEIGHT"
+// after each new size. With the argument "application" it also has the channels of an application, and its windows are
+// editors.
 #include "appbase/application/zapplication.h"
 
 #include <QDialog>
@@ -71,6 +72,12 @@ protected:
     {
         if (event->type() == QEvent::ActivationChange)
             say(isActiveWindow() ? QStringLiteral("active") : QStringLiteral("inactive"));
+    }
+    bool eventFilter(QObject *, QEvent *event) override // of its editor
+    {
+        if (event->type() == QEvent::DragEnter)
+            say(QStringLiteral("dragged"));
+        return false;
     }
 
 private:
@@ -132,6 +139,7 @@ void edit(PeerWindow &window, const QStringList &words)
 {
     auto *editor = new ZMultiLineEdit(&window);
     editor->setGeometry(window.rect());
+    editor->viewport()->installEventFilter(&window);
     editor->setText(words.mid(4).join(u' '));
     editor->setSelection(0, words.value(2).toInt(), 0, words.value(3).toInt());
     editor->show();

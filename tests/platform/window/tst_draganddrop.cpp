@@ -1,5 +1,7 @@
-// Text that the pen drags: moved within an application, and nowhere else.
+// Text that the pen drags: moved within an application, copied to others.
 #include "tests/platform/window/windowtest.h"
+
+#include <QWidget>
 
 namespace {
 
@@ -22,6 +24,22 @@ bool isDragging()
         [](const QWidget *child) { return child->testAttribute(Qt::WA_TransparentForMouseEvents); });
 }
 
+// A widget of the server that wants to know what is dragged over it.
+class Watcher : public QWidget {
+public:
+    Watcher() : QWidget(server().screenWidget())
+    {
+        setGeometry(0, 0, 50, kBarHeight);
+        setAcceptDrops(true);
+        show();
+    }
+    QByteArray seen;
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *) override { seen += 'e'; }
+    void dragLeaveEvent(QDragLeaveEvent *) override { seen += 'l'; }
+};
+
 bool takesHold()
 {
     pen(kText);
@@ -38,7 +56,7 @@ class TstDragAndDrop : public QObject {
 private Q_SLOTS:
     void init();
     void withinAnEditorTextIsMoved();
-    void whatIsDroppedElsewhereStays();
+    void toOthersTextIsCopied();
     void aClientThatDiesEndsItsDrag();
 };
 
@@ -60,27 +78,42 @@ void TstDragAndDrop::withinAnEditorTextIsMoved()
     QVERIFY(one.does(u"delete w"_qs) && one.shows(u"w"_qs, u"main"_qs)); // it is not waiting for an end of the drag
 }
 
-void TstDragAndDrop::whatIsDroppedElsewhereStays()
+void TstDragAndDrop::toOthersTextIsCopied()
 {
+    constexpr QPoint kOnTwo(120, 170);
+    const QString word = u"w\u00F6rd"_qs;
+    Watcher watcher;
     Client two;
     QVERIFY(two.shows(u"w"_qs, u"frameless"_qs) && two.does(u"edit w 0 0 x"_qs) && two.does(u"move w 100 150"_qs));
     Client one;
-    QVERIFY(one.shows(u"w"_qs, u"main"_qs) && one.does(u"edit w 0 4 word"_qs));
-    QVERIFY(two.does(u"raise w"_qs));
+    QVERIFY(one.shows(u"w"_qs, u"main"_qs) && one.does(u"edit w 0 4 "_qs + word));
     QTRY_COMPARE(two.window(u"w"_qs)->geometry().topLeft(), QPoint(100, 150));
-    for (const QPoint place : {QPoint(100, 5), QPoint(120, 170)}) { // beside all windows; on that of another client
-        QVERIFY(takesHold());
-        pen(place);
-        pen(place, false);
-        QVERIFY(!isDragging());
-        QCOMPARE(textOf(one), u"word"_qs);
-        QCOMPARE(textOf(two), u"x"_qs);
-    }
+
+    QVERIFY(takesHold());
+    pen({10, 5}); // the watcher
+    one.window(u"w"_qs)->lower(); // the press brought it to the front
+    pen(kOnTwo);
+    QVERIFY(two.says(u"w dragged"_qs));
+    pen({120, 5}); // beside all windows
+    pen({120, 5}, false);
+    QVERIFY(!isDragging());
+    QCOMPARE(watcher.seen, "el");
+    QCOMPARE(textOf(one), word);
+    QCOMPARE(textOf(two), u"x"_qs);
+
+    QVERIFY(takesHold());
+    one.window(u"w"_qs)->lower();
+    pen(kOnTwo);
+    QVERIFY(two.says(u"w dragged"_qs)); // as soon as the text has come to the server
+    pen(kOnTwo, false);
+    QTRY_COMPARE(textOf(two), u"x"_qs + word);
+    QCOMPARE(textOf(one), word);
+    QVERIFY(two.does(u"title w still there"_qs)); // the protocol's server did not send it away
+
     QVERIFY(takesHold());
     QWSServer::setInputEnabled(false);
     QVERIFY(!isDragging());
     QWSServer::setInputEnabled(true);
-    QVERIFY(takesHold());
 }
 
 void TstDragAndDrop::aClientThatDiesEndsItsDrag()
