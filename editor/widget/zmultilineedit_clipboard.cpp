@@ -7,10 +7,29 @@
 #include <QDropEvent>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QPainter>
 
 using Operation = ZMultiLineData::Operation;
 
 namespace {
+
+// What follows the pen while text is dragged: the beginning of it.
+QPixmap pictureOf(const QString &text, const QWidget &widget)
+{
+    constexpr int kMostWidth = 120; // pixels, half of the screen
+    constexpr int kMostText = 200; // more of it is not looked at
+    constexpr int kMargin = 3;
+    const QFontMetrics metrics = widget.fontMetrics();
+    const QString shown = metrics.elidedText(text.left(kMostText).simplified(), Qt::ElideRight, kMostWidth);
+    const QSize size(metrics.horizontalAdvance(shown) + 2 * kMargin, metrics.height() + 2 * kMargin);
+    QPixmap picture(size);
+    picture.fill(widget.palette().color(QPalette::Highlight));
+    QPainter painter(&picture);
+    painter.setFont(widget.font());
+    painter.setPen(widget.palette().color(QPalette::HighlightedText));
+    painter.drawText(kMargin, kMargin + metrics.ascent(), shown);
+    return picture;
+}
 
 QString textOf(const QMimeData *data, const QString &subType)
 {
@@ -78,6 +97,7 @@ void ZMultiLineData::startDrag()
     data->setText(editor.markedText());
     QPointer<QDrag> drag = new QDrag(&editor);
     drag->setMimeData(data);
+    drag->setPixmap(pictureOf(data->text(), editor));
     const QPointer<ZMultiLineEdit> alive = &editor;
     const Qt::DropActions possible = readOnly ? Qt::CopyAction : Qt::CopyAction | Qt::MoveAction;
     const Qt::DropAction done = drag->exec(possible, readOnly ? Qt::CopyAction : Qt::MoveAction);
