@@ -17,7 +17,6 @@ build_target() {
   build xscale "$@"
 }
 
-# A command of the shell's own, so that set -e stops where a step fails.
 test_target() {
   local status=0
   mkdir -p "$results"

@@ -128,10 +128,9 @@ TouchSelection::~TouchSelection()
 
 void TouchSelection::begin()
 {
-    if (!m_fixed) {
-        QWidget &viewport = *m_editor.editor.viewport();
-        m_fixed = new Handle(*this, viewport);
-        m_moving = new Handle(*this, viewport);
+    for (QPointer<Handle> *handle : {&m_fixed, &m_moving}) {
+        if (!*handle)
+            *handle = new Handle(*this, *m_editor.editor.viewport());
     }
     m_active = true;
     follow();
@@ -153,7 +152,7 @@ void TouchSelection::follow()
 {
     if (!m_active)
         return;
-    if (!m_editor.isMarked())
+    if (!m_editor.isMarked() || !m_fixed || !m_moving)
         return end();
     put(*m_fixed, m_editor.anchor);
     put(*m_moving, m_editor.dragEnd);
