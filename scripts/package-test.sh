@@ -69,7 +69,9 @@ as_phone() {
 }
 as_phone tyx-guiserver --group tyxphone --platform=offscreen >/packages/server.log 2>&1 &
 as_phone tyx bus wait TYX/QtServer --timeout 30
-echo "ok  the server runs as $(stat -c %U /tmp/key_testcommand)"
+user=$(stat -c %U /tmp/key_testcommand)
+[ "$user" = tyxphone ] || { echo "the server runs as $user"; exit 1; }
+echo "ok  the server runs as $user"
 until as_phone tyx im list | grep -q .; do sleep 0.1; done
 echo "ok  input methods: $(as_phone tyx im list | grep -c .)"
 as_phone tyx doctor >/packages/doctor.log || { cat /packages/doctor.log; exit 1; }
@@ -96,7 +98,9 @@ dpkg-deb --field "$packages"/libtyxappbase1_*.deb | sed 's/^Version: .*/Version:
 dpkg-deb --build "$place/other" "$root/packages/other.deb" >>"$log"
 in_root apt-get --simulate install /packages/other.deb tyxappbase-tools >"$place/refusal" 2>&1 &&
   failed "apt takes a library of another version beside the tools"
-ok "refused: $(grep -m 1 -oE 'tyxappbase-tools : Depends: libtyxappbase1 .*' "$place/refusal" || cat "$place/refusal")"
+refusal=$(grep -m 1 -oE '^ *tyxappbase-tools : Depends: libtyxappbase1 \(= .*' "$place/refusal") ||
+  failed "apt fails for another reason: $(cat "$place/refusal")"
+ok "refused:$refusal"
 
 say "removing and purging"
 mapfile -t names < <(for deb in "$packages"/*.deb; do dpkg-deb --field "$deb" Package; done)

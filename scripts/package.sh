@@ -5,7 +5,11 @@
 case ${1:-} in '') ;; -h | --help) sed -n '2,3s/^# //p' "$0"; exit 0 ;; *) die "unknown option $1" ;; esac
 export DEB_BUILD_OPTIONS=${DEB_BUILD_OPTIONS-nocheck}
 ensure_packages "${build_packages[@]}" "${package_packages[@]}"
-[[ " $DEB_BUILD_OPTIONS " == *" nocheck "* ]] || ensure_packages "${phone_packages[@]}" "${test_packages[@]}"
+if [[ " $DEB_BUILD_OPTIONS " == *" nocheck "* ]]; then
+  export DEB_BUILD_PROFILES="${DEB_BUILD_PROFILES:-} nocheck" # what only tests need may be missing
+else
+  ensure_packages "${phone_packages[@]}" "${test_packages[@]}"
+fi
 
 place=$project/build/package
 version=$(dpkg-parsechangelog -l "$project/debian/changelog" -S Version)
