@@ -5,7 +5,7 @@ from pathlib import Path
 
 FENCE = re.compile(r"^( *)```(\S*) *(.*)$")
 GIVEN = re.compile(r"^<!-- given ?(.*)$")
-LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s]+)\)")
+LINK = re.compile(r'(?:!?\[[^\]]*\]\(|<img [^>]*\bsrc=")([^)\s"]+)')
 
 
 @dataclass

@@ -84,14 +84,14 @@ def same(expected, shown):
 
 def run_console(block, folder):
     pairs = commands_of(block["code"])
-    mark = "\n== end of command ==\n"
-    script = "set +e\n" + "".join(f"{command}\necho\necho '{mark.strip()}'\n" for command, _ in pairs)
+    script = "set +e\n" + "".join(f"{command}\nprintf '\\n== end of command: %s ==\\n' $?\n" for command, _ in pairs)
     status, output = bash(PREAMBLE + block["given"] + "\n" + script, folder)
-    shown = output.split(mark)
-    if len(shown) != len(pairs) + 1:
+    *shown, _ = parts = re.split(r"\n== end of command: (\d+) ==\n", output)
+    if status != 0 or len(parts) != 2 * len(pairs) + 1:
         return f"status {status}\n{output}"
-    return "\n".join(f"$ {command}\nshows\n{was}\ninstead of\n" + "\n".join(expected)
-                     for (command, expected), was in zip(pairs, shown) if not same(expected, was))
+    return "\n".join(f"$ {command}\nshows, with status {ended},\n{was}\ninstead of\n" + "\n".join(expected)
+                     for (command, expected), was, ended in zip(pairs, shown[::2], shown[1::2])
+                     if ended != "0" or not same(expected, was))
 
 
 def run_program(path, number, folder):
