@@ -3,9 +3,7 @@
 #include "tools/tyx/inputwriter.h"
 
 #include <csignal>
-#include <map>
 #include <sys/socket.h>
-#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -37,43 +35,20 @@ private:
         if (order == LetGo)
             letGo();
         else if (order == Touch)
-            touch({first, second, third});
+            tell(m_writer.write(recording::Touch{{first, second, third}}));
         else
-            put({keypad::Device(first), second});
+            tell(m_writer.write(recording::Key{keypad::Device(first), second}));
     }
 
-    void put(const recording::Key &key)
+    void letGo() // without a word: a phone that is gone needs no release
     {
-        const int number = key.record & keypad::kNumberMask;
-        const auto *row = keypad::rawKey(quint16(number));
-        const bool isSwitch = row && (row->name == "flip" || row->name == "headset"); // stays as it is put
-        if (key.record & keypad::kPressed && !isSwitch)
-            m_down[number] = key.device;
-        else
-            m_down.erase(number);
-        tell(m_writer.write(key));
-    }
-
-    void touch(touch::Sample sample)
-    {
-        m_pen = sample;
-        tell(m_writer.write(recording::Touch{sample}));
-    }
-
-    void letGo()
-    {
-        m_isQuiet = true; // a phone that is gone needs no release
-        for (const auto &[number, device] : std::exchange(m_down, {}))
-            tell(m_writer.write(recording::Key{device, quint16(number)}));
-        if (m_pen.pressure > 0)
-            touch({0, m_pen.x, m_pen.y});
-        m_isQuiet = false;
+        m_writer.letGo();
         m_writer = tyx::InputWriter();
     }
 
     void tell(const tyx::InputWriter::Done &done) const
     {
-        if (done || m_isQuiet)
+        if (done)
             return;
         const QByteArray text = done.error().toUtf8();
         ::send(m_orders, text.constData(), size_t(text.size()), MSG_DONTWAIT | MSG_NOSIGNAL);
@@ -81,9 +56,6 @@ private:
 
     int m_orders;
     tyx::InputWriter m_writer;
-    std::map<int, keypad::Device> m_down; // by number
-    touch::Sample m_pen;
-    bool m_isQuiet = false;
 };
 
 platform::Result<platform::Fd> Hand::start()

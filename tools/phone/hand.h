@@ -21,7 +21,8 @@ class Hand : public QObject {
     Q_OBJECT
 
 public:
-    // Forks: to be called before the application object is made, whose threads a child would not have. -1: it failed.
+    // Forks: to be called before the application object is made, whose threads a child would not have. Yields the
+    // socket that the orders go to.
     static platform::Result<platform::Fd> start();
 
     explicit Hand(platform::Fd orders);

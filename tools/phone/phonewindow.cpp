@@ -16,17 +16,34 @@
 #include <QSaveFile>
 #include <QScreen>
 #include <QShortcut>
-#include <chrono>
+#include <csignal>
+#include <sys/prctl.h>
+#include <tl/expected.hpp>
+#include <unistd.h>
+#include <utility>
 
 namespace {
-
-using namespace std::chrono_literals;
 
 constexpr int kPanelWidth = 232;
 constexpr int kMargin = 14;
 constexpr double kMostOfTheDesktop = 0.95; // of its height; the rest is the frame of the window
 
 QString tyxProgram() { return QCoreApplication::applicationDirPath() + QStringLiteral("/tyx"); }
+
+// The error is a text for people.
+tl::expected<void, QString> save(const QImage &picture, const QString &file)
+{
+    QSaveFile png(file);
+    if (!png.open(QIODevice::WriteOnly))
+        return tl::make_unexpected(png.errorString());
+    QImageWriter writer(&png, "png");
+    if (!writer.write(picture))
+        return tl::make_unexpected(writer.errorString());
+    // commit() does not see that what was buffered found no room: it would put a half picture in place of the old one.
+    if (!png.flush() || !png.commit())
+        return tl::make_unexpected(png.errorString());
+    return {};
+}
 
 }
 
@@ -62,7 +79,8 @@ PhoneWindow::PhoneWindow(platform::Fd orders, Options options)
     resize(sizeHint().boundedTo(room * kMostOfTheDesktop)); // the toolkit's own choice is two thirds at most
 }
 
-// A recording is whole after each of its lines; the tool ends when it is told to.
+// The tool ends when it is told to, and is killed if it waits for a phone that does not answer. A recording is whole
+// after each of its lines.
 PhoneWindow::~PhoneWindow()
 {
     delete m_view; // before what it uses
@@ -114,7 +132,7 @@ void PhoneWindow::say(const QString &text) { m_news->setText(text); }
 
 void PhoneWindow::onAttachedChanged()
 {
-    if (m_screen.isAttached())
+    if (m_screen.isAttached() && m_screen.trouble().isEmpty())
         say({});
 }
 
@@ -126,17 +144,16 @@ QString PhoneWindow::proposedFile(const QString &kind, const QString &ending) co
 
 bool PhoneWindow::savePicture(const QString &file)
 {
-    QSaveFile png(file);
-    QImageWriter writer(&png, "png");
-    if (m_screen.picture().isNull())
+    if (m_screen.picture().isNull()) {
         say(tr("There is no picture yet"));
-    else if (!png.open(QIODevice::WriteOnly) || !writer.write(m_screen.picture()) || !png.commit())
-        say(file + QStringLiteral(": ") + png.errorString());
-    else {
-        say(tr("Saved: ") + file);
-        return true;
+        return false;
     }
-    return false;
+    const auto saved = save(m_screen.picture(), file);
+    if (saved)
+        say(tr("Saved: ") + file);
+    else
+        say(file + QStringLiteral(": ") + saved.error());
+    return saved.has_value();
 }
 
 void PhoneWindow::askForPicture()
@@ -172,7 +189,18 @@ void PhoneWindow::askForReplay()
     m_replay->setEnabled(false);
 }
 
-void PhoneWindow::startTool(const QStringList &arguments) { m_tool.start(tyxProgram(), arguments); }
+void PhoneWindow::startTool(const QStringList &arguments)
+{
+    m_tool.setChildProcessModifier([viewer = ::getpid()] {
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM); // a viewer that is killed tells nobody to end
+        if (::getppid() != viewer)
+            ::_exit(1); // it was killed before
+        sigset_t none; // the viewer takes its signals from a descriptor, and a program inherits what is blocked
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+    });
+    m_tool.start(tyxProgram(), arguments);
+}
 
 void PhoneWindow::onToolEnd()
 {

@@ -27,7 +27,7 @@ public:
     [[nodiscard]] PhoneView &view() { return *m_view; }
     [[nodiscard]] const ScreenLink &screen() const { return m_screen; }
 
-    // What the screen shows, as a PNG of its own pixels. The error is a text for people.
+    // Puts what the screen shows into a PNG of its own pixels. The window says what came of it.
     bool savePicture(const QString &file);
 
 private:

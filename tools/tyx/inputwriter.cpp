@@ -12,7 +12,9 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <thread>
+#include <tuple>
 #include <unistd.h>
+#include <utility>
 
 namespace tyx {
 
@@ -84,7 +86,21 @@ InputWriter::Done InputWriter::write(const recording::Key &key)
             return error(opened.error());
         fd = std::move(*opened);
     }
-    return send(fd, path, std::as_bytes(std::span(&key.record, 1)));
+    auto done = send(fd, path, std::as_bytes(std::span(&key.record, 1)));
+    if (done)
+        remember(key);
+    return done;
+}
+
+void InputWriter::remember(const recording::Key &key)
+{
+    const quint16 number = key.record & keypad::kNumberMask;
+    const auto *row = keypad::rawKey(number);
+    const bool isSwitch = row && (row->name == "flip" || row->name == "headset");
+    if (key.record & keypad::kPressed && !isSwitch)
+        m_down[number] = key.device;
+    else
+        m_down.erase(number);
 }
 
 InputWriter::Done InputWriter::write(const recording::Touch &touch)
@@ -101,7 +117,18 @@ InputWriter::Done InputWriter::write(const recording::Touch &touch)
             return error(QStringLiteral("%1: it is a device, which only fingers touch").arg(QLatin1String(kPath)));
         m_touch = std::move(*opened);
     }
-    return send(m_touch, kPath, touch.sample.encode());
+    auto done = send(m_touch, kPath, touch.sample.encode());
+    if (done)
+        m_pen = touch.sample;
+    return done;
+}
+
+void InputWriter::letGo()
+{
+    for (const auto &[number, device] : std::exchange(m_down, {}))
+        std::ignore = write(recording::Key{device, number});
+    if (const touch::Sample pen = std::exchange(m_pen, {}); pen.pressure > 0)
+        std::ignore = write(recording::Touch{{0, pen.x, pen.y}});
 }
 
 // A record is smaller than what a FIFO takes in one piece, so it is written whole or not at all.

@@ -8,7 +8,10 @@
 #include "tools/tyx/recorder.h"
 
 #include <QFile>
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 
 namespace tyx {
 
@@ -23,9 +26,40 @@ constexpr qsizetype kMostUnsettled = 100;
 
 Outcome problem(const QString &text) { return tl::make_unexpected(text); }
 
+// Signals that end a replay, which wait until it looks: between two events.
+class EndSignals {
+public:
+    EndSignals()
+    {
+        sigemptyset(&m_set);
+        sigaddset(&m_set, SIGINT);
+        sigaddset(&m_set, SIGTERM);
+        sigprocmask(SIG_BLOCK, &m_set, nullptr);
+    }
+
+    // False when one came meanwhile.
+    [[nodiscard]] bool pause(milliseconds time) const
+    {
+        const auto end = steady_clock::now() + time;
+        while (true) {
+            const auto rest = std::max(end - steady_clock::now(), steady_clock::duration::zero());
+            const auto seconds = std::chrono::floor<std::chrono::seconds>(rest);
+            const timespec patience{time_t(seconds.count()), long(std::chrono::nanoseconds(rest - seconds).count())};
+            if (sigtimedwait(&m_set, nullptr, &patience) > 0)
+                return false;
+            if (errno != EINTR)
+                return true;
+        }
+    }
+
+private:
+    sigset_t m_set = {};
+};
+
 class Replay {
 public:
     Outcome run(const QList<recording::Event> &events, bool fast);
+    void letGo() { m_writer.letGo(); }
 
 private:
     Outcome play(const recording::Key &key) { return m_writer.write(key); }
@@ -33,6 +67,7 @@ private:
     static Outcome play(const recording::Message &message);
     static Outcome play(const recording::Status &status);
 
+    EndSignals m_signals;
     InputWriter m_writer;
 };
 
@@ -72,8 +107,10 @@ Outcome Replay::run(const QList<recording::Event> &events, bool fast)
                 return settled;
             unsettled = 0;
         }
-        pause(fast ? milliseconds(pauses[i])
-                   : std::chrono::duration_cast<milliseconds>(start + milliseconds(event.at) - steady_clock::now()));
+        if (!m_signals.pause(fast
+                    ? milliseconds(pauses[i])
+                    : std::chrono::duration_cast<milliseconds>(start + milliseconds(event.at) - steady_clock::now())))
+            return problem(QStringLiteral("stopped before event %1").arg(i + 1));
         if (auto played = std::visit([this](const auto &what) { return this->play(what); }, event.what); !played)
             return problem(QStringLiteral("event %1: %2").arg(QString::number(i + 1), played.error()));
     }
@@ -95,8 +132,12 @@ int replay(const RecordingOptions &options)
     if (!platform::BusInspector::open())
         return fail(
             QStringLiteral("no phone is running here: start tyx-guiserver, or scripts/run.sh for one in a sandbox"));
-    const auto played = Replay().run(*events, options.fast);
-    return played ? int(Done) : fail(QStringLiteral("%1: %2").arg(file.fileName(), played.error()));
+    Replay player;
+    const auto played = player.run(*events, options.fast);
+    if (played)
+        return Done;
+    player.letGo(); // the releases would have come later
+    return fail(QStringLiteral("%1: %2").arg(file.fileName(), played.error()));
 }
 
 }
