@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -18,7 +20,12 @@ using namespace std::chrono_literals;
 using platform::ShmAttachment;
 
 constexpr auto kFrame = 16ms; // the pace of the clients' frame callbacks
-constexpr qsizetype kMostViewers = 16; // the longest waiting one is forgotten
+constexpr qsizetype kMostViewers = 16;
+
+void sendFailed(const QCString &channel, const QString &why)
+{
+    QCopChannel::send(channel, "failed(QString)", wire::pack(why));
+}
 
 // What is drawn by the toolkit or changed by the window system behind its back: a menu of the server that closes.
 bool changesTheScreen(QObject *watched, QEvent::Type type)
@@ -50,7 +57,7 @@ void ScreenPicture::ask(const QCString &channel, int seen)
     m_waiting.removeOne(channel);
     m_waiting.append(channel);
     if (m_waiting.size() > kMostViewers)
-        m_waiting.removeFirst();
+        sendFailed(m_waiting.takeFirst(), QStringLiteral("more than %1 viewers show the screen").arg(kMostViewers));
     if (m_isOutdated || seen != m_number)
         answerSoon();
 }
@@ -77,32 +84,34 @@ void ScreenPicture::answerSoon()
 void ScreenPicture::answer()
 {
     m_sinceAnswer.start();
-    const bool isThere = !m_isOutdated || take();
+    const auto taken = m_isOutdated ? take() : tl::expected<void, QString>();
     for (const QCString &channel : std::exchange(m_waiting, {})) {
-        if (isThere)
+        if (taken)
             QCopChannel::send(channel, "frame(int,int,int,int,int)",
                 wire::pack(
                     int(QCoreApplication::applicationPid()), m_number, m_segment, m_size.width(), m_size.height()));
         else
-            QCopChannel::send(channel, "failed(QString)", wire::pack(QStringLiteral("no shared memory is left")));
+            sendFailed(channel, taken.error());
     }
 }
 
-bool ScreenPicture::take()
+tl::expected<void, QString> ScreenPicture::take()
 {
     const QImage picture = QWSServer::instance()->grabScreen().convertToFormat(QImage::Format_RGB32);
-    const std::span<std::byte> room = picture.isNull() ? std::span<std::byte>() : roomFor(picture);
-    if (room.empty())
-        return false;
-    std::memcpy(room.data(), picture.constBits(), std::size_t(picture.sizeInBytes()));
+    if (picture.isNull())
+        return tl::make_unexpected(QStringLiteral("there is no memory for a picture of the screen"));
+    const auto room = roomFor(picture);
+    if (!room)
+        return tl::make_unexpected(room.error());
+    std::memcpy(room->data(), picture.constBits(), std::size_t(picture.sizeInBytes()));
     ++m_number;
     m_isOutdated = false;
     QCoreApplication::instance()->installEventFilter(this);
-    return true;
+    return {};
 }
 
 // Rows follow each other without a gap: they are of 32-bit pixels.
-std::span<std::byte> ScreenPicture::roomFor(const QImage &picture)
+tl::expected<std::span<std::byte>, QString> ScreenPicture::roomFor(const QImage &picture)
 {
     if (m_memory && m_size == picture.size())
         return m_memory->bytes();
@@ -110,11 +119,11 @@ std::span<std::byte> ScreenPicture::roomFor(const QImage &picture)
     const auto segment =
         ShmAttachment::segment({IPC_PRIVATE, IPC_CREAT | kOwnerOnly}, std::size_t(picture.sizeInBytes()));
     if (!segment)
-        return {};
+        return tl::make_unexpected(segment.error().text());
     auto memory = ShmAttachment::attach(*segment, ShmAttachment::Access::ReadWrite);
     std::ignore = ShmAttachment::remove(*segment); // it can be attached by its number while somebody has it
     if (!memory)
-        return {};
+        return tl::make_unexpected(memory.error().text());
     m_segment = *segment;
     m_size = picture.size();
     return m_memory.emplace(std::move(*memory)).bytes();

@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <optional>
 #include <span>
+#include <tl/expected.hpp>
 
 class QImage;
 
@@ -26,7 +27,8 @@ class ScreenPicture : public QObject {
 public:
     explicit ScreenPicture(QObject *parent = nullptr);
 
-    // `seen` is the number of the picture that the asker has, 0 for none. Answered on `channel`, once.
+    // `seen` is the number of the picture that the asker has, 0 for none. Answered on `channel`, once:
+    // asking again takes the place of what was asked before. When too many wait, the longest waiting one is told so.
     void ask(const QCString &channel, int seen);
 
 protected:
@@ -35,8 +37,9 @@ protected:
 private:
     void answerSoon();
     void answer();
-    [[nodiscard]] bool take();
-    [[nodiscard]] std::span<std::byte> roomFor(const QImage &picture); // empty: there is none
+    // The errors are texts for people.
+    [[nodiscard]] tl::expected<void, QString> take();
+    [[nodiscard]] tl::expected<std::span<std::byte>, QString> roomFor(const QImage &picture);
 
     QTimer m_pace; // runs while an answer is due
     QElapsedTimer m_sinceAnswer;

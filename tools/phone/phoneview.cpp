@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QToolTip>
 #include <chrono>
+#include <utility>
 
 using phone::Hit;
 
@@ -33,6 +34,10 @@ QString tipFor(const Hit &hit, phone::Posture posture)
     }
     return {};
 }
+
+// A key that comes up may mean something else than when it went down, if Shift came up before. Only events that no
+// keyboard sent have no code of it.
+quint32 idOf(const QKeyEvent &event) { return event.nativeScanCode() ? event.nativeScanCode() : quint32(event.key()); }
 
 }
 
@@ -126,24 +131,26 @@ void PhoneView::paintScreen(QPainter &painter) const
         painter.setRenderHint(QPainter::SmoothPixmapTransform, scale() * devicePixelRatioF() < 2);
         painter.drawImage(phone::pictureRect(picture.size()), picture);
     }
-    if (!m_screen.isAttached())
-        paintNotice(painter);
+    if (const QString text = notice(); !text.isEmpty())
+        paintNotice(painter, text);
 }
 
 QString PhoneView::notice() const
 {
     if (!m_screen.trouble().isEmpty())
         return tr("The screen cannot be shown") + u'\n' + m_screen.trouble();
+    if (m_screen.isAttached())
+        return {};
     return m_screen.wasAttached()
         ? tr("The phone has stopped") + u'\n' + tr("its GUI server has ended; waiting for the next one")
         : tr("No phone runs here yet") + u'\n' + tr("waiting for tyx-guiserver");
 }
 
-void PhoneView::paintNotice(QPainter &painter) const
+void PhoneView::paintNotice(QPainter &painter, const QString &text)
 {
     constexpr qreal kMargin = 20;
     painter.fillRect(phone::kScreen, QColor(8, 12, 18, 215));
-    const QStringList lines = notice().split(u'\n');
+    const QStringList lines = text.split(u'\n');
     QFont font = painter.font();
     font.setPixelSize(17);
     painter.setFont(font);
@@ -187,6 +194,7 @@ void PhoneView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton || !m_screen.isAttached())
         return;
+    letGoOfMouse(); // the last release may have gone to another window
     const QPointF point = toLayout(event->position());
     const Hit hit = phone::hitAt(point, m_posture);
     switch (hit.what) {
@@ -212,6 +220,8 @@ void PhoneView::mousePressEvent(QMouseEvent *event)
 void PhoneView::mouseMoveEvent(QMouseEvent *event)
 {
     const QPointF point = toLayout(event->position());
+    if (!(event->buttons() & Qt::LeftButton))
+        letGoOfMouse(); // the release went to another window
     if (m_isTouching)
         touchAt(point, false);
     const Hit hit = phone::hitAt(point, m_posture);
@@ -248,9 +258,9 @@ void PhoneView::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
         return;
     }
-    if (event->isAutoRepeat() || m_byKeyboard.contains(event->key()))
+    if (event->isAutoRepeat() || m_byKeyboard.contains(idOf(*event)))
         return;
-    m_byKeyboard.insert(event->key(), name);
+    m_byKeyboard.insert(idOf(*event), name);
     put(name, true);
 }
 
@@ -258,13 +268,14 @@ void PhoneView::keyReleaseEvent(QKeyEvent *event)
 {
     if (event->isAutoRepeat())
         return;
-    if (const std::string_view name = m_byKeyboard.take(event->key()); !name.empty())
+    if (const std::string_view name = m_byKeyboard.take(idOf(*event)); !name.empty())
         put(name, false);
 }
 
-// Whoever takes the keyboard away gets the releases too.
+// Whoever takes the keyboard away gets the releases too; a modal dialog also those of the mouse.
 void PhoneView::focusOutEvent(QFocusEvent *event)
 {
+    letGoOfMouse();
     letGoOfKeys();
     QWidget::focusOutEvent(event);
 }

@@ -6,7 +6,7 @@
 #include "tools/phone/phoneartwork.h"
 #include "tools/phone/screenlink.h"
 
-#include <QSet>
+#include <QHash>
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -25,6 +25,9 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
     [[nodiscard]] int heightForWidth(int width) const override;
+
+    // What it says over the picture, in two lines; empty while there is nothing to say.
+    [[nodiscard]] QString notice() const;
 
     void turnFlip(bool open);
     void plugHeadset(bool in);
@@ -46,8 +49,7 @@ private:
     [[nodiscard]] QPointF toLayout(QPointF point) const;
     [[nodiscard]] QRect widgetRect(const QRectF &rect) const;
     void paintScreen(QPainter &painter) const;
-    void paintNotice(QPainter &painter) const;
-    [[nodiscard]] QString notice() const;
+    static void paintNotice(QPainter &painter, const QString &text);
     void put(std::string_view name, bool pressed);
     void touchAt(QPointF point, bool isFirst);
     void letGoOfMouse();
@@ -61,6 +63,6 @@ private:
     QVariantAnimation m_flip; // how far it is open
     const phone::Key *m_underMouse = nullptr;
     bool m_isTouching = false;
-    QHash<int, std::string_view> m_byKeyboard; // Qt::Key and what it holds down
+    QHash<quint32, std::string_view> m_byKeyboard; // keys of the desktop (idOf) and what they hold down
     QHash<std::string_view, int> m_pressed; // and how often: mouse and keyboard may hold the same key
 };

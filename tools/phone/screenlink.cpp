@@ -3,10 +3,14 @@
 #include "appbase/messaging/wire.h"
 
 #include <QCoreApplication>
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <initializer_list>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -14,7 +18,15 @@ using namespace std::chrono_literals;
 using platform::ShmAttachment;
 
 constexpr auto kSearchPause = 250ms;
+constexpr auto kReminderPause = 5s;
 constexpr int kLargestSide = 4096; // pixels
+
+// `ofTheDead`: what the call answers when the server has ended.
+tl::unexpected<QString> problem(const platform::SysError &error, std::initializer_list<int> ofTheDead)
+{
+    const bool hasEnded = std::find(ofTheDead.begin(), ofTheDead.end(), error.number) != ofTheDead.end();
+    return tl::make_unexpected(hasEnded ? QString() : error.text());
+}
 
 }
 
@@ -25,9 +37,8 @@ ScreenLink::ScreenLink(QObject *parent)
     , m_channel(m_name)
 {
     connect(&m_channel, &QCopChannel::received, this, &ScreenLink::receive);
-    m_search.setInterval(kSearchPause);
     connect(&m_search, &QTimer::timeout, this, &ScreenLink::ask);
-    m_search.start();
+    m_search.start(kSearchPause);
     ask();
 }
 
@@ -40,34 +51,47 @@ void ScreenLink::receive(const QCString &message, const QByteArray &arguments)
     qint32 segment = 0;
     qint32 width = 0;
     qint32 height = 0;
-    m_trouble.clear();
-    if (message == "failed(QString)" && wire::unpack(arguments, m_trouble)) {
-        m_search.start();
-        Q_EMIT attachedChanged();
+    QString why;
+    if (message == "failed(QString)" && wire::unpack(arguments, why)) {
+        fail(why);
         return;
     }
     if (message != "frame(int,int,int,int,int)" || !wire::unpack(arguments, process, number, segment, width, height))
         return;
-    if (!copy(segment, QSize(width, height)) || !attach(process))
+    if (const Done done = copy(segment, QSize(width, height)).and_then([&] { return attach(process); }); !done) {
+        fail(done.error());
         return;
-    m_search.stop();
+    }
+    m_trouble.clear();
+    m_search.start(kReminderPause);
     m_seen = number;
     ask();
     Q_EMIT pictureChanged();
 }
 
-bool ScreenLink::attach(int process)
+void ScreenLink::fail(const QString &why)
+{
+    releaseMemory();
+    m_seen = 0; // the next answer comes at once, if there is a picture
+    m_search.start(kSearchPause);
+    if (std::exchange(m_trouble, why) != why)
+        Q_EMIT attachedChanged();
+}
+
+ScreenLink::Done ScreenLink::attach(int process)
 {
     if (m_isAttached)
-        return true;
-    m_process = platform::Fd::own(int(::syscall(SYS_pidfd_open, process, 0)));
-    if (!m_process) // it has ended since, or is not of this phone
-        return false;
+        return {};
+    const int fd = int(::syscall(SYS_pidfd_open, process, 0));
+    if (fd < 0)
+        return problem({"pidfd_open", errno}, {ESRCH});
+    m_process = platform::Fd::own(fd);
     m_end = std::make_unique<QSocketNotifier>(m_process.get(), QSocketNotifier::Read);
     connect(m_end.get(), &QSocketNotifier::activated, this, &ScreenLink::detach);
     m_isAttached = m_wasAttached = true;
+    m_trouble.clear();
     Q_EMIT attachedChanged();
-    return true;
+    return {};
 }
 
 void ScreenLink::detach()
@@ -75,32 +99,42 @@ void ScreenLink::detach()
     m_end->setEnabled(false);
     m_end.release()->deleteLater(); // this may be its slot
     m_process.reset();
-    m_memory.reset();
-    m_segment = -1;
+    releaseMemory();
+    m_trouble.clear();
     m_seen = 0;
     m_isAttached = false;
-    m_search.start();
+    m_search.start(kSearchPause);
     Q_EMIT attachedChanged();
 }
 
-bool ScreenLink::copy(int segment, QSize size)
+void ScreenLink::releaseMemory()
+{
+    m_memory.reset();
+    m_segment = -1;
+}
+
+// The last picture stays until all of the next one is there.
+ScreenLink::Done ScreenLink::copy(int segment, QSize size)
 {
     if (size.width() < 1 || size.height() < 1 || size.width() > kLargestSide || size.height() > kLargestSide)
-        return false;
+        return tl::make_unexpected(tr("a screen of %1 x %2 pixels").arg(size.width()).arg(size.height()));
     if (!m_memory || segment != m_segment) {
         auto memory = ShmAttachment::attach(segment, ShmAttachment::Access::ReadOnly);
-        if (!memory) {
-            m_trouble = memory.error().text();
-            return false;
-        }
+        if (!memory)
+            return problem(memory.error(), {EINVAL, EIDRM});
         m_memory = std::move(*memory);
         m_segment = segment;
     }
-    if (m_picture.size() != size)
-        m_picture = QImage(size, QImage::Format_RGB32);
+    const std::size_t needed = std::size_t(size.width()) * std::size_t(size.height()) * sizeof(QRgb);
     const auto bytes = m_memory->bytes();
-    if (m_picture.isNull() || bytes.size() < std::size_t(m_picture.sizeInBytes()))
-        return false;
-    std::memcpy(m_picture.bits(), bytes.data(), std::size_t(m_picture.sizeInBytes()));
-    return true;
+    if (bytes.size() < needed)
+        return tl::make_unexpected(tr("the shared memory is smaller than the screen"));
+    if (m_picture.size() != size) {
+        QImage picture(size, QImage::Format_RGB32);
+        if (picture.isNull())
+            return tl::make_unexpected(qt_error_string(ENOMEM));
+        m_picture = std::move(picture);
+    }
+    std::memcpy(m_picture.bits(), bytes.data(), needed);
+    return {};
 }

@@ -12,10 +12,12 @@
 #include <QTimer>
 #include <memory>
 #include <optional>
+#include <tl/expected.hpp>
 
-// Asks the server for each next picture ("frame" of "TYX/Screen", docs/messages.md). While it is attached nothing is
-// asked twice and nothing polled: a descriptor of the server's process tells when it ends. While there is no server, it
-// is looked for four times in a second.
+// Asks the server for each next picture ("frame" of "TYX/Screen", docs/messages.md). While it is attached a
+// descriptor of the server's process tells when that ends, and a screen that stays as it is costs next to nothing: it
+// asks again every five seconds, which takes the place of what it asked before, in case a question or an answer was
+// lost. While there is no server, or no picture of it, it asks four times in a second.
 class ScreenLink : public QObject {
     Q_OBJECT
 
@@ -25,18 +27,22 @@ public:
     [[nodiscard]] bool isAttached() const { return m_isAttached; }
     [[nodiscard]] bool wasAttached() const { return m_wasAttached; } // ever
     [[nodiscard]] const QImage &picture() const { return m_picture; } // the last one, also after the server's end
-    [[nodiscard]] QString trouble() const { return m_trouble; } // why there is no picture though a server runs
+    [[nodiscard]] QString trouble() const { return m_trouble; } // why there is no new picture though a server runs
 
 Q_SIGNALS:
-    void attachedChanged();
+    void attachedChanged(); // or the trouble did
     void pictureChanged();
 
 private:
     void ask();
     void receive(const QCString &message, const QByteArray &arguments);
-    [[nodiscard]] bool attach(int process);
+    // Without a text the error is no trouble: the answer came from a server that has ended since.
+    using Done = tl::expected<void, QString>;
+    [[nodiscard]] Done attach(int process);
+    [[nodiscard]] Done copy(int segment, QSize size);
     void detach();
-    [[nodiscard]] bool copy(int segment, QSize size);
+    void fail(const QString &why);
+    void releaseMemory();
 
     const QCString m_name;
     QCopChannel m_channel;

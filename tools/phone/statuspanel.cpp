@@ -74,11 +74,11 @@ StatusPanel::StatusPanel(QWidget *parent) : QWidget(parent)
     addCall(*form);
     addCables(*form);
     connect(&m_watcher, &SystemStatusWatcher::changed, this,
-        [this](const SystemTableCopy & /*before*/, const SystemTableCopy &now) { show(now); });
-    show(m_watcher.current());
+        [this](const SystemTableCopy & /*before*/, const SystemTableCopy &now) { take(now); });
+    take(m_watcher.current());
 }
 
-void StatusPanel::show(const SystemTableCopy &table)
+void StatusPanel::take(const SystemTableCopy &table)
 {
     setEnabled(m_watcher.tableExists());
     for (const auto &each : m_shows)

@@ -38,7 +38,7 @@ private:
     QSlider *addSlider(QFormLayout &form, const QString &label, const char *name, int most);
     QSpinBox *addNumber(QFormLayout &form, const QString &label, const char *name);
     QCheckBox *addSwitch(QFormLayout &form, const QString &label, const char *name);
-    void show(const SystemTableCopy &table);
+    void take(const SystemTableCopy &table);
 
     SystemStatusWatcher m_watcher;
     phone::Posture m_posture;
