@@ -93,6 +93,7 @@ private Q_SLOTS:
     void thePictureFollowsTheScreen();
     void thePanelIsTheStatusTable();
     void aKilledViewerLetsGo();
+    void aStoppedReplayLetsGo();
     void aPhoneThatDiesIsToldAndTheNextOneTaken();
 
 private:
@@ -282,6 +283,18 @@ void TstTyxPhone::aKilledViewerLetsGo()
     }
     std::sort(ends.begin(), ends.end());
     QCOMPARE(ends, QByteArrayList({"w release 53", "w up 50 100"}));
+}
+
+void TstTyxPhone::aStoppedReplayLetsGo()
+{
+    Application application;
+    fill(u"/tmp/held"_s,
+        "tyx-recording 1\n" + QByteArray("0 touch 200 2000 2000\n").repeated(4) + "600000 touch 0 2000 2000\n");
+    PeerProcess replay(u"../bin/tyx"_s, {u"keys"_s, u"replay"_s, u"/tmp/held"_s});
+    QVERIFY(application.input([](const QByteArray &line) { return line.startsWith("w down"); }).startsWith("w down"));
+    ::kill(pid_t(replay.pid()), SIGTERM);
+    const QByteArray end = application.input([](const QByteArray &line) { return !line.startsWith("w move"); });
+    QVERIFY2(end.startsWith("w up"), end.constData());
 }
 
 void TstTyxPhone::aPhoneThatDiesIsToldAndTheNextOneTaken()
