@@ -20,5 +20,5 @@ for name in "${names[@]}"; do
   "$project/bench/run-$name" | tee "$results/$name.part"
   mv "$results/$name.part" "$results/$name.txt"
 done
-python3 "$project/bench/report/report.py" "$results" "$project/docs"
+/usr/bin/python3 "$project/bench/report/report.py" "$results" "$project/docs"
 echo "docs/benchmarks.md and docs/pictures/benchmarks.svg: look at them, then commit"

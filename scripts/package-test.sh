@@ -26,7 +26,7 @@ if [ ! -s "$base" ]; then
   say "making a clean Debian (kept)"
   mirror=${MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' \
     'Codename: bookworm' 'Component: main' | head -n 1)}
-  mmdebstrap --variant=apt --aptopt='Acquire::Languages "none"' bookworm "$base.new" "${mirror:?}" >>"$log" 2>&1 ||
+  mmdebstrap --format=tar --variant=apt --aptopt='Acquire::Languages "none"' bookworm "$base.new" "${mirror:?}" >>"$log" 2>&1 ||
     failed "mmdebstrap failed"
   mv "$base.new" "$base"
 fi

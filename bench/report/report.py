@@ -38,7 +38,8 @@ def machine():
             f"{platform.release().split('-')[0]}, {release}")
 
 
-texts = {file.stem: file.read_text() for file in sorted(results.glob("*.txt"))}
+BUILDING = re.compile(r"^(?:== |\[\d+/\d+\]|ninja:).*\n?", re.MULTILINE)  # what the scripts say of their set-up
+texts = {file.stem: BUILDING.sub("", file.read_text()) for file in sorted(results.glob("*.txt"))}
 table, bars = [], []
 for row in ROWS:
     if row.source not in texts:

@@ -72,7 +72,7 @@ ROWS = [
     Row("hello: exec to first picture", "application", "ms", rf"^ +hello +{NUMBER} ms",
         {"QApplication, D-Bus, settings, translator": rf"^ +with D-Bus, settings, translator +{NUMBER} ms"},
         rf"first picture.*?^ +QApplication +{NUMBER} ms"),
-    Row("registry lock", "lock", "us", rf"the registry lock +{NUMBER} us",
+    Row("registry lock", "lock", "us", rf"^ +the registry lock +{NUMBER} us",
         {"QSystemSemaphore": rf"QSystemSemaphore, made and dropped +{NUMBER}", "flock": rf"open, flock, close +{NUMBER}"},
         rf"the system calls of the registry lock +{NUMBER}"),
     editor("editor: key in 100 000 lines, painted", "the same, painted \\(us\\)"),
