@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/system/result.h"
+#include "platform/tyxexport.h"
 
 #include <chrono>
 #include <cstddef>
@@ -25,7 +26,7 @@ struct IpcName {
 };
 
 // One attachment of a shared segment; detached with the object.
-class ShmAttachment {
+class TYX_EXPORT ShmAttachment {
 public:
     enum class Access { ReadOnly, ReadWrite };
 

@@ -4,7 +4,6 @@
 
 #include <QDragEnterEvent>
 #include <QDragLeaveEvent>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QWaylandClient>
@@ -128,9 +127,7 @@ void DragAndDrop::aimAtOther(SurfaceView *target, QPoint position)
     const wl_fixed_t y = wl_fixed_from_int(local.y());
     for (wl_resource *device : resourcesOf(target->surface()->waylandClient(), "wl_data_device")) {
         if (m_aim == Aim::Other) {
-            QElapsedTimer now;
-            now.start();
-            wl_data_device_send_motion(device, uint32_t(now.msecsSinceReference()), x, y);
+            wl_data_device_send_motion(device, m_seat.compositor()->currentTimeMsecs(), x, y);
         } else if (wl_resource *offer = DraggedText::offer(device, m_text->text())) {
             wl_data_device_send_enter(
                 device, m_seat.compositor()->nextSerial(), target->surface()->resource(), x, y, offer);

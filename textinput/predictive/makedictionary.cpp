@@ -1,17 +1,18 @@
 // Makes a dictionary of a list of words, while the phone is built: tyx-make-dictionary LANGUAGE LIST OUT
 // Each line of the list is a word, a tab, and its class (see dictionaryformat.h). A list without words makes an empty
 // file, which the phone does without.
+#include "platform/system/filereplace.h"
 #include "textinput/predictive/dictionaryformat.h"
 #include "textinput/twelvekeys/keyletters.h"
 
 #include <QCryptographicHash>
 #include <QFile>
 #include <QHash>
-#include <QSaveFile>
 #include <algorithm>
 #include <cstdio>
 #include <marisa.h>
 #include <marisa/iostream.h>
+#include <span>
 #include <sstream>
 
 using namespace dictionaryformat;
@@ -85,9 +86,10 @@ int main(int argc, char **argv)
     QFile list(QFile::decodeName(argv[2]));
     if (!list.open(QIODevice::ReadOnly))
         return fail(list.fileName() + QStringLiteral(": ") + list.errorString());
-    QSaveFile out(QFile::decodeName(argv[3]));
+    constexpr mode_t kReadable = 0644;
+    const QString name = QFile::decodeName(argv[3]);
     const QByteArray bytes = dictionary(keyletters::of(QString::fromLatin1(argv[1])), list);
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.flush() || !out.commit())
-        return fail(out.fileName() + QStringLiteral(": ") + out.errorString());
+    if (const auto saved = platform::replaceFile(name, std::as_bytes(std::span(bytes)), kReadable); !saved)
+        return fail(name + QStringLiteral(": ") + saved.error().text());
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "textinput/state/zinputmethodstate.h"
 
+#include "platform/values/utf8.h"
 #include "textinput/state/inputmethodsegment.h"
 #include "textinput/state/zinputmethodstatedata.h"
 
@@ -26,13 +27,9 @@ QString loadText(Bytes field)
 void storeText(Bytes field, const QString &text)
 {
     const QByteArray utf8 = text.toUtf8();
-    auto length = std::min(std::size_t(utf8.size()), field.size() - 1);
-    constexpr unsigned kTwoBits = 0xC0;
-    constexpr unsigned kContinued = 0x80;
-    while (length < std::size_t(utf8.size()) && length > 0 && (uchar(utf8[qsizetype(length)]) & kTwoBits) == kContinued)
-        --length;
+    const qsizetype length = platform::fittingUtf8(utf8, qsizetype(field.size()) - 1);
     std::fill(field.begin(), field.end(), std::byte{0});
-    std::memcpy(field.data(), utf8.constData(), length);
+    std::memcpy(field.data(), utf8.constData(), std::size_t(length));
 }
 
 // Index 12 is behind the table, and inside the segment.

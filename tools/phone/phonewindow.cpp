@@ -2,7 +2,9 @@
 
 #include "tools/phone/phoneview.h"
 #include "tools/phone/statuspanel.h"
+#include "tools/tyx/savefile.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -13,7 +15,6 @@
 #include <QImageWriter>
 #include <QLabel>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QScreen>
 #include <QShortcut>
 #include <csignal>
@@ -33,16 +34,11 @@ QString tyxProgram() { return QCoreApplication::applicationDirPath() + QStringLi
 // The error is a text for people.
 tl::expected<void, QString> save(const QImage &picture, const QString &file)
 {
-    QSaveFile png(file);
-    if (!png.open(QIODevice::WriteOnly))
-        return tl::make_unexpected(png.errorString());
+    QBuffer png;
     QImageWriter writer(&png, "png");
     if (!writer.write(picture))
         return tl::make_unexpected(writer.errorString());
-    // commit() does not see that what was buffered found no room: it would put a half picture in place of the old one.
-    if (!png.flush() || !png.commit())
-        return tl::make_unexpected(png.errorString());
-    return {};
+    return tyx::saveFile(file, png.data());
 }
 
 }

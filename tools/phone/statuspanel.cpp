@@ -1,5 +1,6 @@
 #include "tools/phone/statuspanel.h"
 
+#include "platform/values/utf8.h"
 #include "settings/status/statuslayout.h"
 
 #include <QCheckBox>
@@ -19,16 +20,10 @@ namespace {
 constexpr int kMostAccessories = 8;
 constexpr int kNotKnown = 0xFF;
 
-// At most `most` bytes of UTF-8, cut between characters.
 QByteArray cut(const QString &text, int most)
 {
-    QByteArray bytes = text.toUtf8();
-    if (bytes.size() <= most)
-        return bytes;
-    qsizetype end = most;
-    while (end > 0 && (quint8(bytes[end]) & 0xC0) == 0x80)
-        --end;
-    return bytes.first(end);
+    const QByteArray bytes = text.toUtf8();
+    return bytes.first(platform::fittingUtf8(bytes, most));
 }
 
 QString textOf(const SystemTableCopy &table, status::Text field)

@@ -1,8 +1,9 @@
 #include "tools/tyx/command.h"
 
+#include "tools/tyx/savefile.h"
+
 #include <QByteArray>
 #include <QFile>
-#include <QSaveFile>
 #include <QStringList>
 #include <algorithm>
 #include <charconv>
@@ -65,11 +66,8 @@ int saveTo(const std::string &file, const QByteArray &bytes)
         return Done;
     }
     const QString name = QFile::decodeName(file.c_str());
-    QSaveFile out(name);
-    // commit() does not see that what was buffered found no room: it would put a half file in place of the old one.
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.flush() || !out.commit())
-        return fail(printable(name.toUtf8()) + QStringLiteral(": cannot be written: ") + out.errorString());
-    return Done;
+    const auto saved = saveFile(name, bytes);
+    return saved ? int(Done) : fail(printable(name.toUtf8()) + QStringLiteral(": cannot be written: ") + saved.error());
 }
 
 bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }

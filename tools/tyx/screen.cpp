@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QTimer>
 #include <chrono>
 #include <optional>
