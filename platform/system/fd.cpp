@@ -16,12 +16,7 @@ Result<Fd> Fd::open(const char *path, int flags, mode_t mode)
     return Fd(fd);
 }
 
-void Fd::reset(int fd)
-{
-    if (m_fd >= 0 && m_fd != fd)
-        ::close(m_fd);
-    m_fd = fd;
-}
+void Fd::closeOwn() { ::close(m_fd); }
 
 Result<> Fd::close()
 {

@@ -30,13 +30,19 @@ public:
     [[nodiscard]] int get() const { return m_fd; }
     [[nodiscard]] int give() { return std::exchange(m_fd, -1); } // the caller closes it
     explicit operator bool() const { return m_fd >= 0; }
-    void reset(int fd = -1);
+    void reset(int fd = -1)
+    {
+        if (m_fd >= 0 && m_fd != fd)
+            closeOwn();
+        m_fd = fd;
+    }
 
     // close(2) with its answer, for writers: a full quota or a lost server shows only here.
     Result<> close();
 
 private:
     explicit Fd(int fd) : m_fd(fd) { }
+    void closeOwn();
 
     int m_fd = -1;
 };

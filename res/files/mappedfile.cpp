@@ -1,6 +1,8 @@
 #include "res/files/mappedfile.h"
 
-#include <QFile>
+#include <QByteArrayView>
+#include <QStringConverter>
+#include <QVarLengthArray>
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -10,6 +12,8 @@
 namespace res {
 
 namespace {
+
+constexpr qsizetype kUsualName = 512; // bytes; a longer one is allocated
 
 LoadError mapError(const platform::SysError &error) { return {LoadError::Map, error}; }
 LoadError formatError(FormatFault fault) { return {LoadError::Format, {}, fault}; }
@@ -42,10 +46,14 @@ tl::expected<FileTables, LoadError> tablesOf(const FileFront &front, Version ver
 
 tl::expected<platform::Fd, LoadError> openFile(const QString &path)
 {
-    const QByteArray name = QFile::encodeName(path);
-    if (name.isEmpty() || name.contains('\0'))
+    // As QFile::encodeName() on Unix, without its allocation.
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    QVarLengthArray<char, kUsualName> name(encoder.requiredSpace(path.size()) + 1);
+    char *end = encoder.appendToBuffer(name.data(), path);
+    if (path.isEmpty() || QByteArrayView(name.data(), end).contains('\0'))
         return tl::make_unexpected(LoadError{LoadError::Name, {"open", EINVAL}});
-    return platform::Fd::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY)
+    *end = '\0';
+    return platform::Fd::open(name.data(), O_RDONLY | O_NONBLOCK | O_NOCTTY)
         .map_error([](const platform::SysError &error) {
             return LoadError{LoadError::Open, error};
         });

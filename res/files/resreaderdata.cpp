@@ -27,7 +27,6 @@ QString nextId(const ResIndex &index, quint32 &slot)
 
 bool ResReaderData::init(const QString &name)
 {
-    reset();
     fileName = name;
     return load();
 }
