@@ -9,7 +9,7 @@
 // One object; without a window server it does nothing. GUI thread only.
 class TYX_EXPORT UTIL_KeyTouchPanelEvent { // name fixed
 public:
-    static UTIL_KeyTouchPanelEvent *instance();
+    static UTIL_KeyTouchPanelEvent *instance(); // never null, in any process
 
     // As QWSServer::sendKeyEvent(): `unicode` is 0 when the key code says it all, `modifiers` are
     // Qt::KeyboardModifiers.

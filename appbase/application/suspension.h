@@ -10,4 +10,4 @@ TYX_EXPORT void SetGuiToSuspension(); // name fixed; also the message "SetGuiToS
 // which is the flip being opened.
 TYX_EXPORT void SetGuiToResume();
 
-TYX_EXPORT bool isGuiSuspended();
+TYX_EXPORT bool isGuiSuspended(); // false in every process but the GUI server

@@ -69,6 +69,7 @@ public:
     void showWaitingCursor();
     void hideWaitingCursor();
 
+    // Null when the process has no application object, or one of another class.
     static ZApplication *instance() { return qobject_cast<ZApplication *>(QCoreApplication::instance()); }
 
     // The program's name without its folder: the last part of its channel "TYX/Application/" + name.

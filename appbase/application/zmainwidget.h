@@ -23,6 +23,7 @@ class TYX_EXPORT ZMainWidget : public QWidget {
     Q_OBJECT
 
 public:
+    // A window of its own, also with a parent. The title is windowTitle(), which may be changed at any time.
     explicit ZMainWidget(const QString &title = {}, QWidget *parent = nullptr);
     ~ZMainWidget() override;
 

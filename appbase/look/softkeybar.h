@@ -21,6 +21,7 @@ class TYX_EXPORT SoftKeyBar : public QWidget {
     Q_OBJECT
 
 public:
+    // Both ends are empty. 28 pixels high, and as wide as its layout has it.
     explicit SoftKeyBar(QWidget *parent = nullptr);
     ~SoftKeyBar() override;
 

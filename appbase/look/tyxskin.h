@@ -32,7 +32,7 @@ public:
 
     static QPixmap part(const QString &name); // null when the skin has none of that name
     static QColor color(const QString &name); // invalid then
-    static QColor color(const QString &name, const QColor &otherwise);
+    static QColor color(const QString &name, const QColor &otherwise); // `otherwise` then
 
     // Reads the variable and the file anew, and forgets what was cut before. The application object does so.
     static void reload();

@@ -7,6 +7,9 @@
 
 // Every colour comes from the palette. The focus is shown wherever keys can move it, in the colour of the highlight.
 // What is not drawn here looks as the toolkit's own style draws it. Owned by the application once it is set.
+//
+// Buttons, fields, combo and spin boxes and entries of menus are at least 28 pixels high, check boxes and radio buttons
+// 24, rows of lists 22. Scroll bars are 7 pixels wide and have no buttons: a tap beside the handle moves it there.
 class TYX_EXPORT TYXStyle : public QProxyStyle {
     Q_OBJECT
 

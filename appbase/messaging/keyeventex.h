@@ -15,6 +15,7 @@ struct TYX_EXPORT IM_KeyEventEx { // name fixed
     qint32 modifiers = 0; // Qt::KeyboardModifiers
     QString text; // what the key types, of any length
 
+    // Compares the fields, not what is typed: "a" as the text is another event than U+0061 as the unicode.
     bool operator==(const IM_KeyEventEx &) const = default;
 
     [[nodiscard]] QString typed() const; // the text, else the unicode, else nothing
@@ -28,4 +29,5 @@ struct TYX_EXPORT IM_KeyEventEx { // name fixed
 // Reads one from where the stream is. `complete` tells whether all of it was there; if not, the event is empty.
 TYX_EXPORT IM_KeyEventEx decodeKeyEventEx(QDataStream &stream, bool &complete);
 
+// The argument of "sendKeyEventEx(IM_KeyEvent_Ex)", which brings it to the application that is typed into.
 TYX_EXPORT QByteArray encodeKeyEventEx(const IM_KeyEventEx &event);

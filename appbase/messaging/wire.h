@@ -75,7 +75,7 @@ private:
 // asked for. Bytes left over at the end are no error: a newer sender may append arguments.
 class TYX_EXPORT Reader {
 public:
-    explicit Reader(const QByteArray &bytes);
+    explicit Reader(const QByteArray &bytes); // at their beginning; keeps them
 
     // What the functions of the same names of Writer wrote; zero, empty or null when the reader is bad.
     void u8(quint8 &value) { number(value); }
@@ -100,6 +100,7 @@ public:
     void value(QCString &v) { cstring(v); }
     void value(QByteArray &v) { bytes(v); }
     void value(QUuid &v) { uuid(v); }
+    // A list that is cut off is read as an empty one.
     template <typename T> void value(QList<T> &list)
     {
         list.clear();
@@ -111,6 +112,7 @@ public:
         if (!ok())
             list.clear();
     }
+    // Likewise; of equal keys the last one counts.
     template <typename K, typename V> void value(QMap<K, V> &map)
     {
         map.clear();
@@ -125,6 +127,7 @@ public:
             map.clear();
     }
 
+    // Whether everything up to here was there, and how many bytes are behind it.
     [[nodiscard]] bool ok() const { return m_stream.status() == QDataStream::Ok; }
     [[nodiscard]] qsizetype left() const { return qsizetype(m_buffer.size() - m_buffer.pos()); }
     [[nodiscard]] bool atEnd() const { return left() == 0; }

@@ -20,6 +20,8 @@ class ZMsgData;
 // Destroying it sends nothing. Needs an application object; to be used from the GUI thread.
 class TYX_EXPORT ZMsg {
 public:
+    // The message is its name with the types of its arguments, without blanks: "openDoc(QString)". Receivers know it by
+    // these very letters; that stream() gets what they say is up to the sender.
     ZMsg(const QCString &channel, const QCString &message);
     ~ZMsg();
     ZMsg(const ZMsg &) = delete;

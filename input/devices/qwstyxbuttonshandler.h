@@ -48,6 +48,8 @@ public:
     static void reloadKeySound(); // the setting was changed
 
 public Q_SLOTS:
+    // Devices and the pipe of the test agent have records; called when they do. A descriptor that is none of the two
+    // devices' is ignored. One record at a time while more keys wait for applications than these can take.
     void readKeyboardData(int fd);
     void readTestKeyboardData();
 

@@ -13,6 +13,7 @@ public:
     TyxCalibratedTouchPanel(const TyxCalibratedTouchPanel &) = delete;
     TyxCalibratedTouchPanel &operator=(const TyxCalibratedTouchPanel &) = delete;
 
+    // From what the device counts to pixels of the screen, and possibly beyond its edges; towards zero.
     [[nodiscard]] QPoint transform(const QPoint &device) const;
 
     // The same with any calibration: `raw` becomes the screen point, which is the answer too.
@@ -28,6 +29,7 @@ public:
     void getCalibration(TP_Calibration_Parameter_T *parameters) const;
 
     void clearCalibration(); // every point is mapped to itself
+    // In memory only, and without a check: with s = 0 every point is mapped to itself.
     void setCalibration(const TP_Calibration_Parameter_T &parameters) { m_calibration = parameters; }
 
     // Reads "pointercal" of the settings directory, or /etc/pointercal if that does not exist. What cannot be read, and

@@ -18,6 +18,7 @@ class TYX_EXPORT UTIL_TouchPanel : public QObject, public TyxCalibratedTouchPane
     Q_OBJECT
 
 public:
+    // What it is told: "capture(QCString)", "clearCalibration()" and "restoreCalibration()".
     static constexpr char kChannel[] = "TYX/TouchPanel";
 
     UTIL_TouchPanel();
@@ -25,11 +26,11 @@ public:
 
     static UTIL_TouchPanel *instance(); // null when there is none
 
-    [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] bool isOpen() const; // false while the device is missing, also when it went away
     void restoreCalibration(); // the stored one, and without one none
 
 public Q_SLOTS:
-    void ReadTouchPanelData();
+    void ReadTouchPanelData(); // the device has samples; called when it does
 
 Q_SIGNALS:
     // The pen was held for three seconds far outside of the screen: either the panel was never calibrated, or so badly

@@ -20,6 +20,7 @@ public:
         : QByteArray(text)
     {
     }
+    // Without a NUL among the bytes an array is shared, not copied. Anything that QByteArray makes with "+" will do.
     QCString(const QByteArray &bytes);
     QCString(QByteArrayView bytes);
     template <typename A, typename B>

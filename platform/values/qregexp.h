@@ -3,4 +3,5 @@
 
 #include <QRegularExpression>
 
+// Patterns are those of QRegularExpression, in Perl's syntax; there are no wildcards.
 using QRegExp = QRegularExpression;

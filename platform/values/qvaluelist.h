@@ -4,13 +4,15 @@
 #include <QDataStream>
 #include <QList>
 
+// The type of lists in messages. A QList of the same elements becomes one where a function takes one.
 template <typename T> class QValueList : public QList<T> {
 public:
     using QList<T>::QList;
     QValueList() = default;
-    QValueList(const QList<T> &list) : QList<T>(list) { }
+    QValueList(const QList<T> &list) : QList<T>(list) { } // shares the elements, as copies of lists do
 };
 
+// A 32-bit count, then each element as its own operator writes it.
 template <typename T> QDataStream &operator<<(QDataStream &stream, const QValueList<T> &list)
 {
     stream << quint32(list.size());

@@ -21,10 +21,11 @@ class TYX_EXPORT QWSApplication : public QApplication {
     Q_OBJECT
 
 public:
+    // What the process is to the phone's screen.
     enum Type {
         Tty, // no screen at all; widgets may be made, nobody sees them
-        GuiClient,
-        GuiServer
+        GuiClient, // its windows are on the screen that the server has
+        GuiServer // the one process that makes the screen
     };
 
     // A server takes "--platform offscreen|xcb|vnc|linuxfb" and "--size WIDTHxHEIGHT" out of the arguments; a client
@@ -33,6 +34,7 @@ public:
     QWSApplication(int &argc, char **argv, Type type = GuiClient);
     ~QWSApplication() override;
 
+    // Null when the process has no application object, or one of another class.
     static QWSApplication *instance() { return qobject_cast<QWSApplication *>(QCoreApplication::instance()); }
     static Type type(); // of the one application object; Tty when there is none
 

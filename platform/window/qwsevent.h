@@ -14,13 +14,14 @@ class QWSFocusEvent;
 // Handed to QWSApplication::qwsEventFilter(); lives only as long as that call.
 class TYX_EXPORT QWSEvent {
 public:
+    // Which of the three classes below it is.
     enum Type { Key, Mouse, Focus };
 
     virtual ~QWSEvent();
     QWSEvent(const QWSEvent &) = delete;
     QWSEvent &operator=(const QWSEvent &) = delete;
 
-    [[nodiscard]] Type type() const { return m_type; }
+    [[nodiscard]] Type type() const { return m_type; } // what asKey() and the others tell with the event itself
     [[nodiscard]] int window() const { return m_window; } // the identifier of the window; 0 when it has none
 
     // This event as what it is; null when it is something else.
@@ -29,6 +30,7 @@ public:
     [[nodiscard]] const QWSFocusEvent *asFocus() const;
 
 protected:
+    // `window` as window() answers it; so in the classes below.
     QWSEvent(Type type, int window) : m_type(type), m_window(window) { }
 
 private:
@@ -39,18 +41,18 @@ private:
 // A key went down or up, or repeats.
 class TYX_EXPORT QWSKeyEvent : public QWSEvent {
 public:
-    explicit QWSKeyEvent(int window) : QWSEvent(Key, window) { }
+    explicit QWSKeyEvent(int window) : QWSEvent(Key, window) { } // of no key: whoever makes one fills it in
     int keycode = 0; // Qt::Key
-    Qt::KeyboardModifiers modifiers;
+    Qt::KeyboardModifiers modifiers; // that are held with it
     QString text; // what the key types; empty for keys that type nothing
-    bool isPress = false;
-    bool isAutoRepeat = false;
+    bool isPress = false; // false: the key came up
+    bool isAutoRepeat = false; // it was down before, and still is
 };
 
 // The pointer moved, or a button went down or up.
 class TYX_EXPORT QWSMouseEvent : public QWSEvent {
 public:
-    explicit QWSMouseEvent(int window) : QWSEvent(Mouse, window) { }
+    explicit QWSMouseEvent(int window) : QWSEvent(Mouse, window) { } // no button, at the top left of the screen
     QPoint position; // on the screen
     Qt::MouseButtons state; // the buttons that are down after the event
 };
@@ -58,6 +60,8 @@ public:
 // The window got the keyboard focus or lost it.
 class TYX_EXPORT QWSFocusEvent : public QWSEvent {
 public:
+    // `gained` becomes gotFocus.
     QWSFocusEvent(int window, bool gained) : QWSEvent(Focus, window), gotFocus(gained) { }
-    bool gotFocus;
+
+    bool gotFocus; // false: lost it
 };

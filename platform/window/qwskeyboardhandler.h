@@ -5,11 +5,12 @@
 
 #include <QObject>
 
+// A driver derives from it and calls processKeyEvent(); the GUI server makes and owns it. GUI thread only.
 class TYX_EXPORT QWSKeyboardHandler : public QObject {
     Q_OBJECT
 
 public:
-    explicit QWSKeyboardHandler(QObject *parent = nullptr);
+    explicit QWSKeyboardHandler(QObject *parent = nullptr); // opens nothing: that is for who derives from it
     ~QWSKeyboardHandler() override;
 
     // One key on its way to the window with the focus. `unicode` is 0 or 0xFFFF when only the key code is known: the

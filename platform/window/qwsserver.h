@@ -17,14 +17,15 @@ class TYX_EXPORT QWSServer : public QObject {
     Q_OBJECT
 
 public:
+    // What happened to a window; one of these at a time.
     enum WindowEvent {
-        Create = 0x0001,
+        Create = 0x0001, // nothing is shown yet
         Destroy = 0x0002, // the QWSWindow dies when the signal's slots have returned
-        Hide = 0x0004,
+        Hide = 0x0004, // it may be shown again
         Show = 0x0008,
-        Raise = 0x0010,
-        Lower = 0x0020,
-        Geometry = 0x0040,
+        Raise = 0x0010, // it is in front, with its dialogs; not told when it is shown
+        Lower = 0x0020, // it is behind others, by lower() or stackUnder()
+        Geometry = 0x0040, // moved or resized
         Active = 0x0080, // got the focus
         Name = 0x0100 // name or caption changed
     };
@@ -84,9 +85,10 @@ public:
 
     [[nodiscard]] QImage grabScreen() const; // everything that is shown now, pop-ups included
 
-    [[nodiscard]] QString socketPath() const;
+    [[nodiscard]] QString socketPath() const; // where clients connect: "tyx-screen-0" in the runtime directory
 
 Q_SIGNALS:
+    // The windows of clients alone: the server's own widgets have no QWSWindow. Never null.
     void windowEvent(QWSWindow *window, QWSServer::WindowEvent event);
     // Every key that the filter let pass, before it is delivered; also while input is off. As of sendKeyEvent().
     void keySent(int unicode, int keycode, int modifiers, bool isPress, bool autoRepeat);

@@ -38,6 +38,8 @@ public:
 // What a client wants shown under the pointer. A touch panel shows nothing; a development display may.
 class TYX_EXPORT QWSCursor {
 public:
+    // With the hot spot of the picture; the picture itself stays with the server.
     explicit QWSCursor(QPoint spot) : hotSpot(spot) { }
-    QPoint hotSpot;
+
+    QPoint hotSpot; // the pixel of the picture that points, from its top left
 };

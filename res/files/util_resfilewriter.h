@@ -20,7 +20,7 @@ class ResWriterData;
 class TYX_EXPORT UTIL_ResFileWriter {
 public:
     UTIL_ResFileWriter();
-    explicit UTIL_ResFileWriter(const QString &fileName);
+    explicit UTIL_ResFileWriter(const QString &fileName); // of the file that write() replaces, not touched before
     ~UTIL_ResFileWriter();
     UTIL_ResFileWriter(const UTIL_ResFileWriter &) = delete;
     UTIL_ResFileWriter &operator=(const UTIL_ResFileWriter &) = delete;

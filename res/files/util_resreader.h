@@ -39,6 +39,7 @@ public:
 // that it hands out. What is said about ZResFileReader holds here too.
 class TYX_EXPORT UTIL_ResFileReader : public UTIL_ResReader {
 public:
+    // Loads the file. When that failed nothing is in it: getFirstID() is null.
     explicit UTIL_ResFileReader(const QString &fileName);
     ~UTIL_ResFileReader() override;
 
@@ -46,6 +47,7 @@ public:
     bool init(const QString &fileName);
 
     void setFileName(const QString &fileName); // for the next load()
+    // What was set last: another one than what is read, until load().
     [[nodiscard]] QString fileName() const;
     [[nodiscard]] QString getFileName() const { return fileName(); }
 

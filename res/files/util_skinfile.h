@@ -16,6 +16,7 @@ TYX_EXPORT extern const char *const headerText;
 
 // Where a picture lies in the skin's image, in pixels; what an entry of the hash table holds besides hash and text.
 struct skinData { // name fixed
+    // From the top left of the image. A file may say what lies outside of it.
     quint32 x = 0;
     quint32 y = 0;
     quint32 width = 0;

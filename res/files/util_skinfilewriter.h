@@ -24,7 +24,7 @@ class SkinWriterData;
 class TYX_EXPORT UTIL_SkinFileWriter {
 public:
     UTIL_SkinFileWriter();
-    UTIL_SkinFileWriter(const QString &fileName, const QString &imageFileName);
+    UTIL_SkinFileWriter(const QString &fileName, const QString &imageFileName); // init(); neither file is touched yet
     ~UTIL_SkinFileWriter();
     UTIL_SkinFileWriter(const UTIL_SkinFileWriter &) = delete;
     UTIL_SkinFileWriter &operator=(const UTIL_SkinFileWriter &) = delete;

@@ -20,7 +20,7 @@ class ResWriterData;
 class TYX_EXPORT ZResFileWriter {
 public:
     ZResFileWriter();
-    explicit ZResFileWriter(const QString &fileName);
+    explicit ZResFileWriter(const QString &fileName); // of the file that write() replaces, not touched before
     ~ZResFileWriter();
     ZResFileWriter(const ZResFileWriter &) = delete;
     ZResFileWriter &operator=(const ZResFileWriter &) = delete;

@@ -45,6 +45,7 @@ public:
 class TYX_EXPORT ZResFileReader : public ZResReader {
 public:
     ZResFileReader(); // the icons of the phone: $TYX_RES_ICON_PATH/iconres.tyx
+    // Loads the file. When that failed nothing is in it: getFirstID() is null.
     explicit ZResFileReader(const QString &fileName);
     ~ZResFileReader() override;
 
@@ -52,6 +53,7 @@ public:
     bool init(const QString &fileName);
 
     void setFileName(const QString &fileName); // for the next load()
+    // What was set last: another one than what is read, until load().
     [[nodiscard]] QString fileName() const;
     [[nodiscard]] QString getFileName() const { return fileName(); }
 

@@ -12,7 +12,7 @@
 //     QPixmap phone = UTIL_Skin::get()->getPixmap("phone");
 class TYX_EXPORT UTIL_Skin {
 public:
-    UTIL_Skin(const QString &baseFile, const QString &downloadedFile);
+    UTIL_Skin(const QString &baseFile, const QString &downloadedFile); // both are opened now; get() is for the phone's
     ~UTIL_Skin();
     UTIL_Skin(const UTIL_Skin &) = delete;
     UTIL_Skin &operator=(const UTIL_Skin &) = delete;
@@ -23,7 +23,7 @@ public:
     // Opens the files again, by the environment as it is now. What get() has answered is deleted.
     static void reloadDef();
 
-    bool exists(const QString &id);
+    bool exists(const QString &id); // in either file; UTIL_Res::createID() makes the identifier of a file's name
     bool pixmapExists(const QString &name); // a pixmap's name is its identifier without ".g"
     // The downloaded one unless that is missing or no image; an empty pixmap when there is none in either file.
     QPixmap getPixmap(const QString &name);

@@ -17,6 +17,7 @@ class ZResFileReader;
 // nothing.
 class TYX_EXPORT ZSkin {
 public:
+    // All are opened now. skin() is for those of the phone.
     ZSkin(const QString &first, const QString &second, const QString &third, const QString &fourth);
     ~ZSkin();
     ZSkin(const ZSkin &) = delete;
@@ -28,7 +29,7 @@ public:
     // Opens the files again, by the environment as it is now. What skin() has answered is deleted.
     static void reloadSkin();
 
-    bool exists(const QString &id);
+    bool exists(const QString &id); // in any of the files; ZRes::createID() makes the identifier of a file's name
     // The bytes of a resource, where they are; this object keeps them. False, null and 0 when there is none.
     bool get(const QString &id, const char *&data, unsigned int &length);
 

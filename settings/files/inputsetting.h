@@ -21,6 +21,7 @@ struct INPUT_SETTING_T {
     bool toolTip = true;
     QString predictiveMethodOrder = QStringLiteral("");
 
+    // In all fields; a predictiveMethodOrder that is null is equal to an empty one.
     bool operator==(const INPUT_SETTING_T &) const = default;
 };
 

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] bool isOpen() const;
     [[nodiscard]] QString errorText() const; // of the constructor or commit(): "read: Permission denied"
 
+    // What the file has, with what set() and remove() did to it since. `absent` when there is no such key, and for
+    // number() also when its text is empty.
     [[nodiscard]] QString text(const QString &group, const QString &key, const QString &absent = QString()) const;
     [[nodiscard]] int number(const QString &group, const QString &key, int absent = 0) const; // 0 for what is no number
 

@@ -15,6 +15,7 @@ class TYX_EXPORT SettingsWatch : public QObject {
     Q_OBJECT
 
 public:
+    // By their paths, existing or not. What happens from now on is told.
     explicit SettingsWatch(const QStringList &files, QObject *parent = nullptr);
     ~SettingsWatch() override;
 

@@ -118,7 +118,7 @@ enum BROWSER_FEATURE_BLOCK_T : int { BROWSER_QOS_MIN, BROWSER_QOS_REQUESTED };
 // A shortcut of the browser.
 struct SHORTCUT_RECORD {
     QString name; // of which there is one each
-    QString url;
+    QString url; // a line of text; nobody looks whether it is an address
 };
 
 // Kinds of network services that work behind an application, without a page of their own.
@@ -126,6 +126,6 @@ enum ENUM_INVL_T : int { INVL_BLOG, INVL_PICTURE, INVL_AUDIO, INVL_VIDEO, INVL_G
 
 // Where a network service is reached: any texts.
 struct INVL_DATA_T {
-    QString serviceAddress;
-    QString url;
+    QString serviceAddress; // of the server, as SETUP_Utility::getServerAddrByInvLProfile() has it
+    QString url; // as getUrlByInvLProfile() has it
 };

@@ -16,23 +16,23 @@
 
 // The names of all functions here are fixed, their spelling included.
 
-// Theme: a number, seven colours as 0x00RRGGBB, a number; then the skin file, the folder of downloaded icons and a
-// third text. A text of more than 255 characters is stored as an empty one.
+// What the phone looks like, as the settings "theme-..." have it. A text of more than 255 characters is stored as an
+// empty one.
 struct ThemeInfo {
-    quint32 numbers[9];
-    char texts[3][256];
+    quint32 numbers[9]; // the theme's own; seven colours as 0x00RRGGBB; how the colours are used
+    char texts[3][256]; // the skin file, the folder of downloaded icons, the folder of the theme's sounds
 };
 static_assert(sizeof(ThemeInfo) == 804);
 
 // The sound that a touch or a key makes.
 struct SoundInfo {
-    qint32 style;
-    qint32 volume;
+    qint32 style; // of the touch panel 1 is a click, 2 a tone, all others none; of a key 0 is none
+    qint32 volume; // 0 (silent) to 9
 };
 
 // All of the table in one access, as other processes see its bytes.
 struct SystemTableCopy {
-    quint8 bytes[1456];
+    quint8 bytes[1456]; // numbers are little-endian, at the offsets that docs/status.md lists
 };
 
 // Fills `copy`; false without a table, and then it holds what the getters answer.

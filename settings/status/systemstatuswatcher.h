@@ -15,7 +15,7 @@ class TYX_EXPORT SystemStatusWatcher : public QObject {
     Q_OBJECT
 
 public:
-    explicit SystemStatusWatcher(QObject *parent = nullptr);
+    explicit SystemStatusWatcher(QObject *parent = nullptr); // current() is the table as it is now, if there is one
     ~SystemStatusWatcher() override;
 
     // The table as it was last seen. Without a table (`tableExists` is false) what the getters answer then.
