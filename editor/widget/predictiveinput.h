@@ -12,7 +12,7 @@ class ZMultiLineEdit;
 // Where the cursor of the editor with the focus stands.
 struct EditContext {
     int editor = 0; // its identifier on the phone; 0: no editor has the focus, or the GUI server does not know it
-    QString paragraph;
+    QString paragraph; // the one with the cursor, without its line break; empty when it is not predictable
     int cursor = 0; // column in the paragraph
     QRect cursorRect; // on the screen
     bool predictable = false; // false: nothing typed here may be learned or shown (passwords, read-only text)
@@ -21,8 +21,8 @@ struct EditContext {
 // One for the process; the caller of install() keeps it, and takes it back with null before it dies.
 class TYX_EXPORT PredictiveInput {
 public:
-    static void install(PredictiveInput *input);
-    static PredictiveInput *instance();
+    static void install(PredictiveInput *input); // in the place of the one before, which is told nothing
+    static PredictiveInput *instance(); // null when none is installed
 
     virtual ~PredictiveInput();
 

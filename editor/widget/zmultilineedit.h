@@ -45,19 +45,36 @@ class TYX_EXPORT ZMultiLineEdit : public QAbstractScrollArea { // name fixed
     Q_PROPERTY(int length READ length)
 
 public:
-    enum EchoMode { Normal, NoEcho, Password };
+    // What is seen of the text. It stays what it is: text() answers it in every mode.
+    enum EchoMode {
+        Normal,
+        NoEcho, // nothing, as if it were empty
+        Password // a star for each UTF-16 unit
+    };
     Q_ENUM(EchoMode)
-    enum WordWrap { NoWrap, WidgetWidth, FixedPixelWidth, FixedColumnWidth };
+    // Where a row has to end.
+    enum WordWrap {
+        NoWrap, // at line breaks alone
+        WidgetWidth, // at the edge of the widget, wherever that is
+        FixedPixelWidth, // after wrapColumnOrWidth() pixels
+        FixedColumnWidth // after wrapColumnOrWidth() characters
+    };
     Q_ENUM(WordWrap)
-    enum WrapPolicy { AtWhiteSpace, Anywhere };
+    // Where a row may end that does not end its paragraph.
+    enum WrapPolicy {
+        AtWhiteSpace, // behind a word; a word that is longer than a row is broken
+        Anywhere // also within words, so that rows are as full as can be
+    };
     Q_ENUM(WrapPolicy)
 
+    // What row() answers; empty for a row that there is not.
     struct ZMultiLineEditRow { // name fixed
-        QString s;
+        QString s; // its text, in every echo mode
         int w = 0; // pixels
         bool newline = false; // the row ends a paragraph: a line break follows, or the text ends
     };
 
+    // Takes the room that its layout has. `name` is the object's name; null: none.
     explicit ZMultiLineEdit(QWidget *parent = nullptr, const char *name = nullptr);
     // In field mode the editor is one field of a form, which sees the keys that leave the field. The number has no
     // meaning.
@@ -181,38 +198,55 @@ public:
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 public Q_SLOTS: // the order is fixed
+    // The cursor goes to the beginning. CR, CR LF and U+2029 become line breaks, as in all text that comes in. Of what
+    // is longer than maxLength() the end is cut. textChanged() comes only when the text is another one than before.
     virtual void setText(const QString &s);
+
+    // On: the user changes nothing, there is no cursor, and no input widget; the program may still call setText(),
+    // insertAt(), clear() and the like.
     virtual void setReadOnly(bool on);
-    virtual void setOverwriteMode(bool on);
+    virtual void setOverwriteMode(bool on); // on: what is typed takes the place of the character behind the cursor
+
+    // The text as the program changes it, also while it is read-only. Can be undone.
     void clear();
-    void append(const QString &s);
-    void deselect();
-    void selectAll();
+    void append(const QString &s); // as a paragraph of its own at the end; cut to the limits
+
+    void deselect(); // the cursor stays
+    void selectAll(); // the cursor goes to the end
     void smartPunctuation(); // a closing character behind "word " goes to the word, if an input method asked for it
-    void paste();
+    void paste(); // plain text; like the next, nothing while read-only
     void pasteSubType(const QCString &subType); // of "text/"; "" means "plain"
-    void copyText();
-    void copy(); // nothing while a password is shown as stars
-    void cut();
+    void copyText(); // the same as copy()
+    void copy(); // the marked text to the clipboard; nothing while a password is shown as stars
+    void cut(); // copy() and deleteText(), also where copy() does nothing; nothing while read-only
     void deleteText(); // the marked text
     void insert(const QString &s); // in the place of the marked text, or at the cursor
+
+    // One step back or forward: a command, or a group of them. Nothing while read-only. Where the text is not as the
+    // step left it (it was changed while undo was off) the step ends, and all others are forgotten.
     void undo();
     void redo();
 
 Q_SIGNALS: // the order is fixed
-    void clicked();
+    void clicked(); // the pen came up within the editor and marked nothing
     void textTrancated(); // name fixed: text was cut to a limit
-    void textChanged();
-    void returnPressed();
+    void textChanged(); // once for an operation, as the last of its signals
+    void returnPressed(); // Return or Enter, behind newLine(), which a limit may have kept from doing anything
+
+    // There is something to undo or redo now, or no more; only when that changes.
     void undoAvailable(bool available);
     void redoAvailable(bool available);
-    void copyAvailable(bool available);
-    void cursorChanged(int row, int column);
+
+    void copyAvailable(bool available); // text is marked, or no more; in every echo mode
+    void cursorChanged(int row, int column); // also when the text before it wraps at another place
     void bufferUpdate(int length, int cursor); // after each change of the text; offsets
     void contentChanged(); // the size that the text needs is another one
+    // The same for a layout: this editor, the size with its frame, the cursor as cursorPoint(), and how many rows.
+    // Comes when the height is another one.
     void changeSizeHint(QWidget *editor, QSize size, QPoint cursor, int lines);
-    void linesChanged(int lines, QPoint cursor);
-    void rightSmartPuncOccurred();
+
+    void linesChanged(int lines, QPoint cursor); // there are more or fewer rows; the cursor as cursorPoint()
+    void rightSmartPuncOccurred(); // smartPunctuation() took the space before the character
 
 protected:
     // What belongs together in a word: characters of the same class. 0: white space.
