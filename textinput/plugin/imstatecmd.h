@@ -8,7 +8,14 @@
 #include <QUuid>
 #include <memory>
 
+// An input method gets them by ZInputMethodPlugin::runCommand(), and knows by the number which one it is:
+//
+//     if (command.number == IMStateCmd::SelectInputMethod)
+//         select(static_cast<const SelectInputMethodCmd &>(command).language);
+//
+// The template fields(visit) of each calls visit(field) for its fields, in the order in which they travel.
 struct TYX_EXPORT IMStateCmd { // the names of all of them are fixed
+    // One for each of the records below. They travel, so that none ever changes.
     enum Number : int {
         TipWord = 16,
         ShowCompletion = 17,
@@ -26,7 +33,7 @@ struct TYX_EXPORT IMStateCmd { // the names of all of them are fixed
     IMStateCmd(const IMStateCmd &) = delete;
     IMStateCmd &operator=(const IMStateCmd &) = delete;
 
-    const Number number;
+    const Number number; // which of the records this is
 
     // The arguments as they travel to the process of the input methods.
     [[nodiscard]] virtual QByteArray pack() const = 0;
@@ -35,6 +42,7 @@ struct TYX_EXPORT IMStateCmd { // the names of all of them are fixed
     static std::unique_ptr<IMStateCmd> unpack(int number, const QByteArray &arguments);
 
 protected:
+    // Only a record below calls it, with its own number.
     explicit IMStateCmd(Number which) : number(which) { }
 };
 
@@ -46,24 +54,29 @@ protected:
 // The user accepted this completion.
 struct TYX_EXPORT TipWordCmd : IMStateCmd {
     TYX_IM_COMMAND(TipWordCmd, TipWord)
-    QString word;
-    template <typename Visitor> void fields(Visitor visit) { visit(word); }
+    QString word; // as it was offered
+    template <typename Visitor> void fields(Visitor visit) { visit(word); } // for pack() and unpack()
 };
 
-// Completions are to be shown from now on; false: those that are shown are to go.
+// Whether completions are wanted: no before each request, and yes behind the SetFollowCharsCmd that says of what.
 struct TYX_EXPORT ShowCompletionCmd : IMStateCmd {
     TYX_IM_COMMAND(ShowCompletionCmd, ShowCompletion)
-    bool show = false;
-    template <typename Visitor> void fields(Visitor visit) { visit(show); }
+    bool show = false; // from now on; false: those that are shown are to go
+    template <typename Visitor> void fields(Visitor visit) { visit(show); } // for pack() and unpack()
 };
 
-// What the editor takes: 0 any text, 1 numbers, 3 what nobody may learn or show. The shift of the title strip comes as
-// mode 2.
+// What the editor takes. Comes whenever the keyboard is shown, and when the shift of the title strip is tapped.
 struct TYX_EXPORT SetInputModeCmd : IMStateCmd {
     TYX_IM_COMMAND(SetInputModeCmd, SetInputMode)
-    enum Mode { Text = 0, Numbers = 1, NextShift = 2, Secret = 3 };
-    qint32 mode = Text;
-    template <typename Visitor> void fields(Visitor visit) { visit(mode); }
+    // What kind of text. NextShift is none: it comes from the title strip, never from an editor.
+    enum Mode {
+        Text = 0, // any
+        Numbers = 1, // digits, and what else belongs to a number
+        NextShift = 2, // the user tapped the shift: from small letters to capitals, say
+        Secret = 3 // any text that nobody may learn or show, as a password
+    };
+    qint32 mode = Text; // a Mode; any other number comes from an application, and is best taken for Text
+    template <typename Visitor> void fields(Visitor visit) { visit(mode); } // for pack() and unpack()
 };
 
 // Whose words are looked for: a language as settings::inputLanguageNumber() has it.
@@ -71,6 +84,7 @@ enum DICTLANGTYPE : quint32 { // name fixed
     DICTLANG_INPUT = 0xFFFF'FFFF // the language that is typed
 };
 
+// What completes the characters.
 enum class WordCompletionType : quint8 { // name fixed
     Word, // words that begin with the characters
     Phrase // words that follow them
@@ -79,9 +93,10 @@ enum class WordCompletionType : quint8 { // name fixed
 // What is to be completed.
 struct TYX_EXPORT SetFollowCharsCmd : IMStateCmd {
     TYX_IM_COMMAND(SetFollowCharsCmd, SetFollowChars)
-    QString characters;
-    quint32 language = DICTLANG_INPUT;
-    quint8 type = quint8(WordCompletionType::Word);
+    QString characters; // the beginning of a word, or what stands before one; not empty
+    quint32 language = DICTLANG_INPUT; // a DICTLANGTYPE
+    quint8 type = quint8(WordCompletionType::Word); // a WordCompletionType
+    // For pack() and unpack().
     template <typename Visitor> void fields(Visitor visit)
     {
         visit(characters);
@@ -93,12 +108,14 @@ struct TYX_EXPORT SetFollowCharsCmd : IMStateCmd {
 // The text around the cursor in ZInputMethodState is another one.
 struct TYX_EXPORT SetEditContextCmd : IMStateCmd {
     TYX_IM_COMMAND(SetEditContextCmd, SetEditContext)
+    // Why it is another one.
     enum State {
-        Changed = 0,
+        Changed = 0, // text or cursor changed, or another editor is typed into
         Confirmed = 1 // the user went elsewhere: what the method had not confirmed stands in the editor by now
     };
     qint32 state = Changed; // the editor's, as in "updateEditorState(int,int,int)"; an application may have others
-    qint32 detail = 0;
+    qint32 detail = 0; // 0 from the library's editors; what it means with another state is the application's matter
+    // For pack() and unpack().
     template <typename Visitor> void fields(Visitor visit)
     {
         visit(state);
@@ -106,12 +123,14 @@ struct TYX_EXPORT SetEditContextCmd : IMStateCmd {
     }
 };
 
-// Only for the predictive input method.
+// What an application says of its text by "setContextString(QString)". Only for the predictive input method, which
+// agrees with the application on what it means: the server passes all of it on as it came.
 struct TYX_EXPORT SetContextCmd : IMStateCmd {
     TYX_IM_COMMAND(SetContextCmd, SetContext)
-    quint8 kind = 0;
-    QString text;
-    quint16 position = 0;
+    quint8 kind = 0; // what the text is
+    QString text; // around the cursor
+    quint16 position = 0; // in the text
+    // For pack() and unpack().
     template <typename Visitor> void fields(Visitor visit)
     {
         visit(kind);
@@ -120,11 +139,12 @@ struct TYX_EXPORT SetContextCmd : IMStateCmd {
     }
 };
 
-// It was selected, for this language (settings::inputLanguageNumber()).
+// It was selected. Comes before its keyboard is shown, each time.
 struct TYX_EXPORT SelectInputMethodCmd : IMStateCmd {
     TYX_IM_COMMAND(SelectInputMethodCmd, SelectInputMethod)
-    QUuid method;
-    quint32 language = 0;
+    QUuid method; // its own identifier: a plug-in is one method
+    quint32 language = 0; // to be typed, as settings::inputLanguageNumber() has it
+    // For pack() and unpack().
     template <typename Visitor> void fields(Visitor visit)
     {
         visit(method);
@@ -132,11 +152,13 @@ struct TYX_EXPORT SelectInputMethodCmd : IMStateCmd {
     }
 };
 
-// The languages that the user types.
+// The languages that the user types, as settings::inputLanguageNumber() has them. This and the next two come from the
+// settings: when the input method is loaded, and when the user changed them.
 struct TYX_EXPORT SetSupportLanguageId : IMStateCmd {
     TYX_IM_COMMAND(SetSupportLanguageId, SupportLanguageId)
-    quint32 preferred = 0;
-    quint32 secondary = 0;
+    quint32 preferred = 0; // what SelectInputMethodCmd says too, unless the user chose another
+    quint32 secondary = 0; // for a key that changes between the two; may be the same
+    // For pack() and unpack().
     template <typename Visitor> void fields(Visitor visit)
     {
         visit(preferred);
@@ -144,11 +166,13 @@ struct TYX_EXPORT SetSupportLanguageId : IMStateCmd {
     }
 };
 
+// What the user wants to be offered and learnt. In a secret field none of it holds.
 struct TYX_EXPORT PhraseCompletionSettingCmd : IMStateCmd {
     TYX_IM_COMMAND(PhraseCompletionSettingCmd, PhraseCompletionSetting)
-    bool wordCompletion = true;
-    bool nextWordPrediction = true;
-    bool userDictionary = true;
+    bool wordCompletion = true; // longer words than what was typed
+    bool nextWordPrediction = true; // words that may follow
+    bool userDictionary = true; // words that the user typed are remembered
+    // For pack() and unpack().
     template <typename Visitor> void fields(Visitor visit)
     {
         visit(wordCompletion);
@@ -160,9 +184,10 @@ struct TYX_EXPORT PhraseCompletionSettingCmd : IMStateCmd {
 // For handwriting.
 struct TYX_EXPORT HWROptionCmd : IMStateCmd {
     TYX_IM_COMMAND(HWROptionCmd, HWROption)
-    bool rightHand = true;
+    bool rightHand = true; // that the user writes with; false: the left one
     qint32 speed = 50; // percent
-    bool waterMark = true;
+    bool waterMark = true; // the writing area shows a mark
+    // For pack() and unpack().
     template <typename Visitor> void fields(Visitor visit)
     {
         visit(rightHand);

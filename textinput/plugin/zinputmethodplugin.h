@@ -47,12 +47,15 @@ public:
     struct HardKey {
         int unicode = 0; // 0 or 0xFFFF: as the key says
         int key = 0; // Qt::Key
-        Qt::KeyboardModifiers modifiers;
-        bool isPress = true;
-        bool autoRepeat = false;
+        Qt::KeyboardModifiers modifiers; // that are held with it
+        bool isPress = true; // each press that came here is followed by its release here
+        bool autoRepeat = false; // a further press of a key that is held
     };
+    // Here it uses no key and gives none back, so that the key is lost.
     virtual void keyEvent(const HardKey & /*key*/) { }
 };
 
+// For the plug-in's Q_PLUGIN_METADATA. The number is another one when libraries have to be built anew: those with the
+// old one are not loaded.
 #define ZInputMethodPlugin_iid "tyx.InputMethod/1"
 Q_DECLARE_INTERFACE(ZInputMethodPlugin, ZInputMethodPlugin_iid)

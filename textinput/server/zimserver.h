@@ -24,7 +24,8 @@ public:
     // Brings commands to the input method in use.
     class TYX_EXPORT IMSService {
     public:
-        explicit IMSService(ZIMServerData &server) : m_server(server) { }
+        explicit IMSService(ZIMServerData &server) : m_server(server) { } // which must outlive it
+
         // False while none runs; of a SetContextCmd, also when it is not the predictive one. The caller keeps it.
         bool runCommand(IMStateCmd *command);
 
@@ -36,6 +37,7 @@ public:
     // it is shown and as long as ZInputMethodState::enableKeyboardFilter() has not been switched off.
     class IMSKeyboardFilter;
 
+    // Starts tyx-imhost, with the settings as they are stored. Nothing is shown yet.
     explicit ZIMServer(QObject *parent = nullptr);
     ~ZIMServer() override;
 
@@ -57,6 +59,8 @@ public:
     // else of that language, else the first that can be used. Null when there is none.
     [[nodiscard]] QUuid createPrimaryInputMethodID(const INPUT_SETTING_T &setting) const;
 
+    // The keyboard of the input method in use, or the plain keypad in its place. The owner's application is told
+    // "inputWidgetShown(int,int,int,QUuid,int)" when one is there.
     void showKbd();
     void hideKbd(); // the application is told "hideInputWidget(int,int,int)"
 
@@ -85,16 +89,20 @@ public:
     inputWidgetRect() const; // on the screen, with its title strip and find bar; empty while it is hidden
     [[nodiscard]] int currentIMWinId() const; // of the input method's window; 0 while there is none
 
+    // The stored settings: true, and the default for what is missing.
     static bool getInputSetting(INPUT_SETTING_T &setting);
-    static bool setDefaultInputSetting();
+
+    // Stores them; false when that failed. The server goes on with those that it has, until
+    // "setInputMethodSettings(INPUT_SETTING_T)" brings it the new ones.
+    static bool setDefaultInputSetting(); // those of a new phone
     static bool setInputSetting(const INPUT_SETTING_T &setting);
 
 public Q_SLOTS:
     void slotKbMenu(); // the menu of the input methods
     void slotSelectMenu(int entry); // of those that the menu offers
-    void slotHideKbd();
-    void slotFindBarTextChanged(const QString &text);
-    void slotTipClicked();
+    void slotHideKbd(); // the user wants it: hideKbd()
+    void slotFindBarTextChanged(const QString &text); // the owner's application is told "sendTextToContact(QString)"
+    void slotTipClicked(); // the word of the tip is taken: the input method gets a TipWordCmd
     // The pen went down or up on the screen: an input method under it has to answer. `buttons` as Qt::MouseButtons.
     void checkMouseEvent(const QPoint &position, int buttons);
 

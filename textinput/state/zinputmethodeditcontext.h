@@ -22,12 +22,13 @@ public:
     // their ranges. Of a text that is too long, what is nearest to the cursor is kept, and both count in that.
     void setEditContext(const QStringList &lines, int cursorLine, int cursorPosition);
 
-    [[nodiscard]] QStringList lines() const;
+    [[nodiscard]] QStringList lines() const; // empty when there are none, and when the bytes make no sense
     [[nodiscard]] QString line(int index) const; // null outside
     [[nodiscard]] int cursorLine() const; // 0 without lines
     [[nodiscard]] int cursorPosition() const; // at most the length of that line
     void reset(); // no lines
 
+    // As they stand in the shared state. Valid as long as this object, and changed by it.
     [[nodiscard]] std::span<const std::byte, kSize> bytes() const { return m_bytes; }
 
 private:

@@ -51,11 +51,16 @@ public:
     bool getCurrentOwner(int *id, QString *name) const;
     void setCurrentOwner(int id, const QString &name);
 
+    // Whether the keys of the phone go to an input method that wants them; on while nobody switched it off. The server
+    // asks at each press.
     void enableKeyboardFilter(bool enable);
     [[nodiscard]] bool keyboardFilterEnabled() const; // true without a connection
 
+    // The text around the cursor, of which as much is kept as there is room for. The application that is typed into
+    // writes it, and no lines for what nobody may learn or show. Without a connection: no lines.
     void setEditContext(const QStringList &lines, int cursorLine, int cursorPosition);
     [[nodiscard]] ZInputMethodEditContext getEditContext() const;
+
     // Where the cursor is on the screen, in pixels.
     void setEditCursor(QPoint position);
     [[nodiscard]] QPoint editCursor() const;
