@@ -81,32 +81,32 @@ public:
     ZMultiLineEdit(QWidget *parent, bool fieldMode, int reserved, const char *name = nullptr);
     ~ZMultiLineEdit() override;
 
-    // Text.
-    [[nodiscard]] QString text() const;
+    // The text, whole and by its rows.
+    [[nodiscard]] QString text() const; // with U+000A between paragraphs
     [[nodiscard]] QString textLine(int row) const; // null when there is no such row
-    [[nodiscard]] QString getRowString(int row) const { return textLine(row); }
+    [[nodiscard]] QString getRowString(int row) const { return textLine(row); } // the same
     [[nodiscard]] ZMultiLineEditRow row(int row) const;
-    [[nodiscard]] bool isEndOfParagraph(int row) const;
+    [[nodiscard]] bool isEndOfParagraph(int row) const; // false when there is no such row
     [[nodiscard]] int numLines() const; // rows; at least 1
-    [[nodiscard]] int length() const;
-    [[nodiscard]] int maxLineWidth() const;
+    [[nodiscard]] int length() const; // of all of it, with its line breaks
+    [[nodiscard]] int maxLineWidth() const; // pixels of the widest row
     [[nodiscard]] bool edited() const; // by anything, since setText() or setEdited(false)
-    void setEdited(bool on);
+    void setEdited(bool on); // for edited() alone
 
     // Without the cursor being there. With `mark` the new text is marked.
     virtual void insertAt(const QString &s, int line, int col, bool mark = false);
     virtual void insertLine(const QString &s, int line = -1); // as a paragraph before that row; -1: at the end
     virtual void removeLine(int line);
 
-    // Cursor and marked text.
+    // Cursor and marked text. Pointers may be null.
     void cursorPosition(int *line, int *col) const;
-    void getCursorPosition(int *line, int *col) const { cursorPosition(line, col); }
-    virtual void setCursorPosition(int line, int col, bool mark = false);
+    void getCursorPosition(int *line, int *col) const { cursorPosition(line, col); } // the same
+    virtual void setCursorPosition(int line, int col, bool mark = false); // with `mark` the marked text ends there
     [[nodiscard]] QPoint cursorPoint() const; // the lower end of the cursor, in the viewport
     [[nodiscard]] QRect globalRect(int line1, int col1, int line2, int col2) const; // on the screen
-    [[nodiscard]] bool atBeginning() const;
-    [[nodiscard]] bool atEnd() const;
-    [[nodiscard]] QString markedText() const;
+    [[nodiscard]] bool atBeginning() const; // the cursor, of the text
+    [[nodiscard]] bool atEnd() const; // likewise
+    [[nodiscard]] QString markedText() const; // null: none
     [[nodiscard]] bool hasMarkedText() const;
     bool getMarkedRegion(int *line1, int *col1, int *line2, int *col2) const; // false and -1: nothing is marked
     void setSelection(int rowFrom, int colFrom, int rowTo, int colTo); // the cursor goes to the second place
@@ -154,40 +154,42 @@ public:
     void setMaxLines(int n); // rows; 0 means -1. Up to 6 the height of the widget is fixed. Cuts nothing that is there
     [[nodiscard]] int maxLines() const;
 
-    // Rows.
+    // How paragraphs become rows. At first they wrap at the widget's width and at white space.
     void setWordWrap(WordWrap mode);
     [[nodiscard]] WordWrap wordWrap() const;
-    void setWrapColumnOrWidth(int n);
+    void setWrapColumnOrWidth(int n); // characters or pixels, as WordWrap says; without a meaning in its other modes
     [[nodiscard]] int wrapColumnOrWidth() const;
     void setWrapPolicy(WrapPolicy policy);
     [[nodiscard]] WrapPolicy wrapPolicy() const;
-    void setDefaultTabStop(int pixels);
-    [[nodiscard]] int defaultTabStop() const;
+    void setDefaultTabStop(int pixels); // 0 or less, as at first: eight spaces
+    [[nodiscard]] int defaultTabStop() const; // pixels, also of eight spaces
+
+    // Breaks paragraphs anew, which the editor does by itself when it has to.
     virtual void rebreakAll();
-    virtual void rebreakParagraph(int row);
+    virtual void rebreakParagraph(int row); // the one with the row
     virtual void wrapLine(int row, int removed = 0); // the paragraph with the row
 
-    // Look.
+    // How the text is shown.
     void setUnderline(bool on); // a line under every row, as on paper
     [[nodiscard]] bool getUnderline() const;
-    void setHMargin(int pixels);
+    void setHMargin(int pixels); // at both sides of the rows; 0 to 1000, 3 at first
     [[nodiscard]] int hMargin() const;
-    void setAlignment(Qt::Alignment alignment);
+    void setAlignment(Qt::Alignment alignment); // across; Qt::AlignLeft is where a paragraph begins
     [[nodiscard]] Qt::Alignment alignment() const;
-    void setEchoMode(EchoMode mode);
+    void setEchoMode(EchoMode mode); // Normal at first
     [[nodiscard]] EchoMode echoMode() const;
     void setFixedVisibleLines(int lines); // 0: as the layout has it
-    void setFont(const QFont &font);
-    void setAutoUpdate(bool on);
+    void setFont(const QFont &font); // as of any widget
+    void setAutoUpdate(bool on); // off: what changes is not painted, until it is on again
     [[nodiscard]] bool autoUpdate() const;
 
-    // Modes.
+    // Modes. At first text can be typed, is inserted, and can be undone.
     [[nodiscard]] bool isReadOnly() const;
     [[nodiscard]] bool isOverwriteMode() const;
-    [[nodiscard]] bool fieldMode() const;
+    [[nodiscard]] bool fieldMode() const; // as the constructor was told
     void setUndoEnabled(bool on); // off: nothing is recorded; what is recorded is kept
     [[nodiscard]] bool isUndoEnabled() const;
-    void setUndoDepth(int n); // commands that are kept; a longer list shrinks with the next commands
+    void setUndoDepth(int n); // commands that are kept, 256 at first; a longer list shrinks with the next ones
     [[nodiscard]] int undoDepth() const;
 
     [[nodiscard]] int editorId() const; // as the GUI server knows it; 0: it does not
