@@ -1,8 +1,7 @@
 // Files of waiting messages: their bytes, who may use them when, and what is wrong with them.
 #include "appbase/messaging/queuefile.h"
+#include "tests/support/testfiles.h"
 
-#include <QFile>
-#include <QTest>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,19 +25,6 @@ void store(const Record &record, LockedFile::TimePoint when = now())
     auto file = LockedFile::forAppending("app", when);
     QVERIFY(file);
     QVERIFY(file->append(record));
-}
-
-void put(const QByteArray &bytes)
-{
-    QFile file(kPath);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-QByteArray content()
-{
-    QFile file(kPath);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
 }
 
 QList<QByteArray> messages(const QList<Record> &records)
@@ -78,15 +64,15 @@ void TstQueueFile::recordsAreLaidOutAsDocumented()
 {
     const QByteArray bytes = QByteArray::fromHex(kChannel + "00000003 6d3100" + "00000002 00ff");
     store(record("m1", QByteArray("\0\xFF", 2)));
-    QCOMPARE(content().toHex(' '), bytes.toHex(' '));
+    QCOMPARE(content(kPath).toHex(' '), bytes.toHex(' '));
     store(record("m2"));
-    QCOMPARE(content(), bytes + QByteArray::fromHex(kChannel + "00000003 6d3200" + "00000000"));
+    QCOMPARE(content(kPath), bytes + QByteArray::fromHex(kChannel + "00000003 6d3200" + "00000000"));
     const auto glance = queue::glance("app");
     QVERIFY(glance);
-    QCOMPARE(glance->bytes, content().size());
+    QCOMPARE(glance->bytes, content(kPath).size());
     QCOMPARE(glance->contents.records, (QList{record("m1", QByteArray("\0\xFF", 2)), record("m2")}));
     QCOMPARE(queue::take("app"), glance->contents.records);
-    QCOMPARE(content(), QByteArray("(no file)"));
+    QCOMPARE(content(kPath), QByteArray("(no file)"));
 }
 
 void TstQueueFile::whatStandsBeforeTheDamageIsTaken_data()
@@ -103,10 +89,10 @@ void TstQueueFile::whatStandsBeforeTheDamageIsTaken_data()
 void TstQueueFile::whatStandsBeforeTheDamageIsTaken()
 {
     QFETCH(QByteArray, tail);
-    put(queue::encode(record("one")) + queue::encode(record("two")) + tail);
+    fill(kPath, queue::encode(record("one")) + queue::encode(record("two")) + tail);
     QTest::ignoreMessage(QtWarningMsg, "queue: /tmp/qcop-msg-app: damaged behind message 2, the rest is dropped");
     QCOMPARE(messages(queue::take("app")), (QList<QByteArray>{"one", "two"}));
-    QCOMPARE(content(), QByteArray("(no file)"));
+    QCOMPARE(content(kPath), QByteArray("(no file)"));
 }
 
 void TstQueueFile::everybodyMayAppend()
@@ -114,9 +100,7 @@ void TstQueueFile::everybodyMayAppend()
     const mode_t before = ::umask(0077);
     store(record("m"));
     ::umask(before);
-    struct stat status = {};
-    QCOMPARE(::stat("/tmp/qcop-msg-app", &status), 0);
-    QCOMPARE(status.st_mode & 07777, 0666U);
+    QCOMPARE(modeOf(kPath), mode_t(S_IFREG | 0666));
 }
 
 void TstQueueFile::messagesAreDiscardedAfterSixtySeconds()
@@ -133,14 +117,14 @@ void TstQueueFile::messagesAreDiscardedAfterSixtySeconds()
 void TstQueueFile::aLockedFileIsLeftAlone()
 {
     store(record("m"));
-    const QByteArray before = content();
+    const QByteArray before = content(kPath);
     {
         const auto held = LockedFile::forTaking("app");
         QVERIFY(held);
         const auto sender = LockedFile::forAppending("app", now() + 1h);
         QVERIFY(!sender && sender.error().number == EWOULDBLOCK);
         QVERIFY(queue::take("app").isEmpty());
-        QCOMPARE(content(), before);
+        QCOMPARE(content(kPath), before);
     }
     QCOMPARE(queue::take("app").size(), 1);
 }
@@ -195,12 +179,12 @@ void TstQueueFile::onlyRegularFilesOfOneNameAreOpened()
 void TstQueueFile::aFileNeverOutgrowsItsLimit()
 {
     store(record("m"));
-    const QByteArray before = content();
+    const QByteArray before = content(kPath);
     auto file = LockedFile::forAppending("app", now());
     QVERIFY(file);
     const auto large = file->append(record("large", QByteArray(queue::kMaxFileBytes - before.size(), 'x')));
     QVERIFY(!large && large.error().number == EFBIG);
-    QCOMPARE(content(), before);
+    QCOMPARE(content(kPath), before);
     const auto rest = qsizetype(queue::kMaxFileBytes) - before.size() - queue::encode(record("fits")).size();
     QVERIFY(file->append(record("fits", QByteArray(rest, 'x'))));
     QVERIFY(!file->append(record("m")));

@@ -13,8 +13,6 @@ class TstWire : public QObject {
 private Q_SLOTS:
     void bytes_data();
     void bytes();
-    void everyCutIsNoticed_data();
-    void everyCutIsNoticed();
     void hostileLengths_data();
     void hostileLengths();
     void textEndsAtTheFirstNul();
@@ -98,14 +96,6 @@ void TstWire::bytes()
     QFETCH(QByteArray, expected);
     QCOMPARE(value.write().toHex(' '), expected.toHex(' '));
     QVERIFY(value.readsBack(expected));
-}
-
-void TstWire::everyCutIsNoticed_data() { bytes_data(); }
-
-void TstWire::everyCutIsNoticed()
-{
-    QFETCH(Case, value);
-    QFETCH(QByteArray, expected);
     for (qsizetype size = 0; size < expected.size(); ++size)
         QVERIFY2(!value.readsBack(expected.first(size)), qPrintable(QString::number(size)));
 }
