@@ -26,14 +26,9 @@ struct Call {
 // Runs the writer under strace with further options; yields what it printed.
 QByteArray runWriter(const QStringList &options)
 {
-    QProcess strace;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // it cannot look for leaks while it is traced
-    strace.setProcessEnvironment(environment);
-    strace.start(
-        u"strace"_s, options + QStringList{QStringLiteral(TYX_BINARY_DIR "/tests/configwriter"), kPath, u"new"_s});
-    strace.waitForFinished();
-    return strace.readAllStandardOutput();
+    const QStringList noLeaks{u"-E"_s, u"ASAN_OPTIONS=detect_leaks=0"_s}; // nobody can look for them while it is traced
+    const QStringList writer{QStringLiteral(TYX_BINARY_DIR "/tests/configwriter"), kPath, u"new"_s};
+    return run(u"strace"_s, noLeaks + options + writer).out;
 }
 
 // The allocator's calls come and go with the build (a sanitizer ends the process when one fails); the save makes none.
@@ -69,6 +64,20 @@ QList<Call> callsOfASave()
     return calls;
 }
 
+// What is wrong after a fault at one of the calls, each of which finds the old file alone.
+QStringList wrongAfter(QString (*fault)(const Call &), const QList<Call> &calls)
+{
+    QStringList wrong;
+    for (const Call &call : calls) {
+        QFile::remove(kTemporary);
+        fill(kPath, kOld);
+        const QString found = fault(call);
+        if (!found.isEmpty())
+            wrong << call.name + u": " + found;
+    }
+    return wrong;
+}
+
 // What is wrong when the writer was killed at a call; empty when nothing is.
 QString wrongAfterKill(const Call &call)
 {
@@ -102,7 +111,6 @@ class TstConfigFaults : public QObject {
 
 private Q_SLOTS:
     void initTestCase();
-    void init();
     void killedAnywhereTheOldOrTheNewFileStands();
     void anErrorAnywhereIsAnsweredTruly();
     void aFullDiskKeepsTheOldFile();
@@ -119,24 +127,11 @@ void TstConfigFaults::initTestCase()
     QVERIFY2(!m_calls.isEmpty(), "the writer does not save even when nothing fails");
 }
 
-void TstConfigFaults::init()
-{
-    QFile::remove(kTemporary);
-    fill(kPath, kOld);
-}
-
 void TstConfigFaults::killedAnywhereTheOldOrTheNewFileStands()
 {
     if (const char *reason = whyNotTraced())
         QSKIP(reason);
-    QStringList wrong;
-    for (const Call &call : m_calls) {
-        init();
-        const QString found = wrongAfterKill(call);
-        if (!found.isEmpty())
-            wrong << call.name + u": " + found;
-    }
-    QCOMPARE(wrong, QStringList());
+    QCOMPARE(wrongAfter(wrongAfterKill, m_calls), QStringList());
 }
 
 void TstConfigFaults::anErrorAnywhereIsAnsweredTruly()
@@ -144,19 +139,14 @@ void TstConfigFaults::anErrorAnywhereIsAnsweredTruly()
     if (const char *reason = whyNotTraced())
         QSKIP(reason);
     QVERIFY(std::ranges::any_of(m_calls, [](const Call &call) { return call.name.startsWith(u"rename"_s); }));
-    QStringList wrong;
-    for (const Call &call : m_calls.first(m_calls.size() - 1)) { // the last one prints the answer
-        init();
-        const QString found = wrongAfterError(call);
-        if (!found.isEmpty())
-            wrong << call.name + u": " + found;
-    }
-    QCOMPARE(wrong, QStringList());
+    // The last one prints the answer.
+    QCOMPARE(wrongAfter(wrongAfterError, m_calls.first(m_calls.size() - 1)), QStringList());
 }
 
 // /tmp is small here.
 void TstConfigFaults::aFullDiskKeepsTheOldFile()
 {
+    fill(kPath, kOld);
     const QString ballast = u"/tmp/ballast"_s;
     QFile file(ballast);
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
