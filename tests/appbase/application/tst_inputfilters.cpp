@@ -1,20 +1,18 @@
 // What the application object does with keys before widgets get them, and the order of its virtual functions.
 #include "appbase/application/hardkeys.h"
 #include "appbase/application/windowsbyuse.h"
-#include "appbase/application/zapplication.h"
 #include "appbase/messaging/soundqueue.h"
 #include "appbase/messaging/wire.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/system/keyfile.h"
 #include "settings/status/systemstatus.h"
-#include "tests/support/peerprocess.h"
+#include "tests/support/applicationtest.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSignalSpy>
-#include <QTest>
 #include <cstring>
 
 using namespace Qt::StringLiterals;
@@ -210,14 +208,6 @@ void TstInputFilters::tryQuitTellsNobody()
     QTRY_COMPARE(heard, QStringList{u"end of test"_s});
 }
 
-int main(int argc, char **argv)
-{
-    PeerProcess server(u"buspeer"_s);
-    if (server.ask("host") != "hosting")
-        return 1;
-    const ZApplication app(argc, argv, ZApplication::Tty);
-    TstInputFilters test;
-    return QTest::qExec(&test, argc, argv);
-}
+int main(int argc, char **argv) { return runAsApplication<TstInputFilters>(argc, argv); }
 
 #include "tst_inputfilters.moc"

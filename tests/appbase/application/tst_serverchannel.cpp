@@ -13,20 +13,8 @@ class TstServerChannel : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theLanguageChangesForEverybody();
     void itEndsAfterAllOthers();
 };
-
-void TstServerChannel::theLanguageChangesForEverybody()
-{
-    PeerProcess server(u"../bin/tyx-guiserver"_s, {u"--platform"_s, u"offscreen"_s});
-    QVERIFY(server.line().startsWith("tyx-guiserver: ready on "));
-    QCopChannel everybody("TYX/System");
-    QSignalSpy told(&everybody, &QCopChannel::received);
-    QVERIFY(QCopChannel::send("TYX/QtServer", "languageChanged()"));
-    QTRY_COMPARE(told.size(), 1);
-    QCOMPARE(told[0][0].value<QCString>(), "languageChanged()");
-}
 
 void TstServerChannel::itEndsAfterAllOthers()
 {

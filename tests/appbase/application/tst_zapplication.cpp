@@ -2,22 +2,18 @@
 #include "appbase/application/inputmessages.h"
 #include "appbase/application/inputwidgethost.h"
 #include "appbase/application/routes.h"
-#include "appbase/application/zapplication.h"
 #include "appbase/application/zmainwidget.h"
-#include "appbase/config/zconfig.h"
 #include "appbase/messaging/keyeventex.h"
 #include "appbase/messaging/wire.h"
-#include "tests/support/peerprocess.h"
+#include "tests/support/applicationtest.h"
+#include "tests/support/testfiles.h"
 
 #include <QDialog>
-#include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QProcess>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QStyle>
-#include <QTest>
 #include <QVBoxLayout>
 
 namespace {
@@ -26,10 +22,10 @@ const QString kPeer = QStringLiteral(TYX_BINARY_DIR "/tests/apppeer");
 
 QCString processChannel(qint64 pid) { return QCString("TYX/Application/" + QByteArray::number(pid)); }
 
-void setLanguage(const QString &code)
+// What a Recorder says of a message to the server.
+QString toServer(const char *message, const QByteArray &arguments)
 {
-    ZConfig config(QStringLiteral("/tmp/tyx_system.cfg"), false);
-    config.writeEntry(QStringLiteral("SYS_SYSTEM_SET"), QStringLiteral("LanguageType"), code);
+    return QStringLiteral("server %1 %2").arg(QLatin1String(message), QLatin1String(arguments.toHex()));
 }
 
 constexpr char kChannel[] = "TYX/Application/tst_zapplication";
@@ -187,11 +183,10 @@ public:
         QStringList seen;
     };
 
-    explicit TstZApplication(ZApplication &app) : m_app(app) { }
+    TstZApplication() { DisableAMClosedRestart(); } // the tests send "amClosed()" to others
 
 private Q_SLOTS:
     void initTestCase();
-    void opensItsChannels();
     void readsItsLanguageFromTheSystemFile();
     void everyMessageHasItsEffect_data();
     void everyMessageHasItsEffect();
@@ -212,7 +207,7 @@ private:
     QList<Row> rows() const;
     QStringList effect(const Row &row, const QByteArrayList &argumentLists);
 
-    ZApplication &m_app;
+    ZApplication &m_app = *ZApplication::instance();
     ZApplicationData m_server{m_app, "server"}; // for the server's table
     Field *m_field = nullptr;
     ZMainWidget m_window;
@@ -222,6 +217,7 @@ Q_DECLARE_METATYPE(TstZApplication::Row)
 
 void TstZApplication::initTestCase()
 {
+    QVERIFY(!QCopChannel::isRegistered("TYX/QtServer")); // the only channel that it has no need of
     auto *content = new QWidget;
     auto *column = new QVBoxLayout(content);
     auto *above = new QWidget;
@@ -238,25 +234,13 @@ void TstZApplication::initTestCase()
     QVERIFY(QTest::qWaitForWindowActive(&m_window));
 }
 
-void TstZApplication::opensItsChannels()
-{
-    QCOMPARE(m_app.name(), QStringLiteral("tst_zapplication"));
-    QVERIFY(QCopChannel::isRegistered("TYX/System"));
-    QVERIFY(QCopChannel::isRegistered("TYX/Application/tst_zapplication"));
-    QVERIFY(QCopChannel::isRegistered(processChannel(QCoreApplication::applicationPid())));
-    QVERIFY(!QCopChannel::isRegistered("TYX/QtServer"));
-}
-
 void TstZApplication::readsItsLanguageFromTheSystemFile()
 {
     QCOMPARE(m_app.language(), QStringLiteral("en-us"));
-    setLanguage(QStringLiteral("de-de"));
+    fill(QStringLiteral("/tmp/tyx_system.cfg"), "[SYS_SYSTEM_SET]\nLanguageType = de-de\n");
     QCOMPARE(m_app.language(), QStringLiteral("en-us"));
-    QStringList seen;
-    const Recorder recorder(m_app, *m_field, seen);
     QVERIFY(QCopChannel::send("TYX/System", "languageChanged()"));
-    QTRY_COMPARE(seen, QStringList{QStringLiteral("system languageChanged() ")});
-    QCOMPARE(m_app.language(), QStringLiteral("de-de"));
+    QTRY_COMPARE(m_app.language(), QStringLiteral("de-de"));
 }
 
 QList<TstZApplication::Row> TstZApplication::rows() const
@@ -288,7 +272,11 @@ QList<TstZApplication::Row> TstZApplication::rows() const
                 {"SetGuiToSuspension()", {}, ""}, {"SetGuiToResume()", {}, "system SetGuiToResume() *"},
                 {"amClosed()", {}, ""}, {"changeTextSize()", {}, "font"}, {"applyStyle()", {}, "palette|style"},
                 {"setOneEnv()", wire::pack(QStringLiteral("TYX_TEST=1=2")), "TYX_TEST 1=2"},
-                {"setOneEnv()", wire::pack(QStringLiteral("=1")), ""}, {"updateTouchPanelSoundInfo()", {}, ""},
+                {"setOneEnv()", wire::pack(QStringLiteral("TYX_TEST=")), "TYX_TEST "},
+                {"setOneEnv()", wire::pack(QStringLiteral("TYX_TEST=\u00e4")), "TYX_TEST \xe4"},
+                {"setOneEnv()", wire::pack(QStringLiteral("TYX_TEST")), ""},
+                {"setOneEnv()", wire::pack(QStringLiteral("TYX_TEST=a\0b")), ""},
+                {"setOneEnv()", wire::pack(QStringLiteral("=TYX_TEST")), ""}, {"updateTouchPanelSoundInfo()", {}, ""},
                 {"modifytimezone", wire::pack(8, 0, 0), "TZ GMT-8:0:0"},
                 {"modifytimezone", wire::pack(-5, 0, 0), "TZ GMT+5:0:0"},
                 {"modifytimezone", wire::pack(0, 30, 9), "TZ GMT+0:30:9"},
@@ -400,9 +388,6 @@ void TstZApplication::editorsAreRegisteredWhileTheyLive()
 {
     QStringList seen;
     const Recorder recorder(m_app, *m_field, seen);
-    const auto told = [](const char *message, const QByteArray &arguments) {
-        return QStringLiteral("server %1 %2").arg(QLatin1String(message), QLatin1String(arguments.toHex()));
-    };
     std::optional<Field> first(std::in_place);
     Field second;
     ZApplicationData other(m_app, "other");
@@ -420,14 +405,14 @@ void TstZApplication::editorsAreRegisteredWhileTheyLive()
     }
     ZApplication::manipulateAppWindows(ZApplication::HideWindows, QStringLiteral("hello"));
     const auto registered = [&](const char *channel, int editor) {
-        return told(messages::kRegisterEditor, wire::pack(QCString(channel), 0, editor));
+        return toServer(messages::kRegisterEditor, wire::pack(QCString(channel), 0, editor));
     };
-    const auto gone = [&](int editor) { return told(messages::kUnregisterEditor, wire::pack(editor)); };
+    const auto gone = [&](int editor) { return toServer(messages::kUnregisterEditor, wire::pack(editor)); };
     const int endedId = int(quint32(id) & ~0x1FFU) | 1; // the first of another application object
     QTRY_COMPARE(seen,
         (QStringList{registered(kChannel, id), registered(kChannel, secondId), gone(id), gone(secondId),
             registered("TYX/Application/ended", endedId), gone(endedId),
-            told(messages::kOrderWindows, wire::pack(4, QStringLiteral("hello")))}));
+            toServer(messages::kOrderWindows, wire::pack(4, QStringLiteral("hello")))}));
     QCOMPARE(m_app.editor(id), nullptr);
 
     std::vector<QWidget> many(511);
@@ -464,9 +449,8 @@ void TstZApplication::whoIsAboutToWriteGetsTheInputWidget()
     QStringList seen;
     const Recorder recorder(m_app, *m_field, seen);
     const auto asked = [&](int editor, const QWidget &widget, int show) {
-        return QStringLiteral("server %1 %2")
-            .arg(QLatin1String(messages::kShowInputWidget),
-                QLatin1String(wire::pack(editor, QWSApplication::windowId(&widget), show, QUuid(), 0).toHex()));
+        return toServer(
+            messages::kShowInputWidget, wire::pack(editor, QWSApplication::windowId(&widget), show, QUuid(), 0));
     };
     QFocusEvent byProgram(QEvent::FocusIn, Qt::OtherFocusReason);
     QFocusEvent byKey(QEvent::FocusIn, Qt::TabFocusReason);
@@ -478,8 +462,7 @@ void TstZApplication::whoIsAboutToWriteGetsTheInputWidget()
     QApplication::sendEvent(&area, &byKey);
     m_app.unregisterEditor(&area);
     QTest::mouseClick(area.viewport(), Qt::LeftButton);
-    const QString last = QStringLiteral("server %1 %2")
-                             .arg(QLatin1String(messages::kUnregisterEditor), QLatin1String(wire::pack(id).toHex()));
+    const QString last = toServer(messages::kUnregisterEditor, wire::pack(id));
     QTRY_VERIFY(seen.contains(last));
     QCOMPARE(seen, (QStringList{asked(id, area, 1), asked(id, area, 1), last}));
     area.close();
@@ -533,7 +516,7 @@ void TstZApplication::aHiddenTextIsToldToNobody()
     m_server.onInputWidgetShown(wire::pack(0, 0, 0, QUuid(), 100));
     m_server.inputClient.unregisterEditor(m_field);
     const auto count = [&](const char *message, const QByteArray &arguments) {
-        return seen.count(QStringLiteral("server %1 %2").arg(QLatin1String(message), QLatin1String(arguments.toHex())));
+        return seen.count(toServer(message, arguments));
     };
     const auto asked = [&](int inputType) {
         return count(
@@ -660,15 +643,6 @@ void TstZApplication::ordersToQuitEndTheProcess()
     QCOMPARE(peer.exitCode(), keep ? 5 : 0);
 }
 
-int main(int argc, char **argv)
-{
-    PeerProcess server(QStringLiteral("buspeer"));
-    if (server.ask("host") != "hosting")
-        return 1;
-    ZApplication app(argc, argv, ZApplication::Tty);
-    DisableAMClosedRestart(); // the tests send "amClosed()" to others
-    TstZApplication test(app);
-    return QTest::qExec(&test, argc, argv);
-}
+int main(int argc, char **argv) { return runAsApplication<TstZApplication>(argc, argv); }
 
 #include "tst_zapplication.moc"
