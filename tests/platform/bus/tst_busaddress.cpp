@@ -1,11 +1,9 @@
 // Where the socket of the bus is, who may use it, and what is done about one that is left over.
 #include "platform/bus/busaddress.h"
+#include "tests/support/testfiles.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTest>
 #include <grp.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace platform::bus;
@@ -26,11 +24,7 @@ namespace {
 
 const QByteArray kSocket = "/tmp/place/bus";
 
-int modeOf(const QByteArray &path)
-{
-    struct stat info = {};
-    return lstat(path.constData(), &info) == 0 ? int(info.st_mode & 07777) : -1;
-}
+mode_t modeOf(const QByteArray &path) { return ::modeOf(QFile::decodeName(path)); }
 
 int errorOf(const platform::Result<QByteArray> &result) { return result ? 0 : result.error().number; }
 int errorOf(const platform::Result<Listener> &result) { return result ? 0 : result.error().number; }
@@ -49,7 +43,7 @@ void TstBusAddress::folderUnderTmpIsOursAlone()
     const QByteArray folder = "/tmp/tyx-" + QByteArray::number(getuid());
     QCOMPARE(errorOf(standardSocket()), ENOENT);
     QCOMPARE(makeStandardSocket().value(), folder + "/tyx-bus");
-    QCOMPARE(modeOf(folder), 0700);
+    QCOMPARE(modeOf(folder), mode_t(S_IFDIR | 0700));
     QCOMPARE(standardSocket().value(), folder + "/tyx-bus");
     QCOMPARE(makeStandardSocket().value(), folder + "/tyx-bus");
 
@@ -88,13 +82,13 @@ void TstBusAddress::socketHasThePermissionsItPromises()
     {
         const auto closed = listenAt(kSocket, {});
         QVERIFY(closed);
-        QCOMPARE(modeOf(kSocket), 0600);
+        QCOMPARE(modeOf(kSocket), mode_t(S_IFSOCK | 0600));
     }
     const group *own = getgrgid(getgid());
     QVERIFY(own != nullptr);
     const auto shared = listenAt(kSocket, own->gr_name);
     QVERIFY(shared);
-    QCOMPARE(modeOf(kSocket), 0660);
+    QCOMPARE(modeOf(kSocket), mode_t(S_IFSOCK | 0660));
     umask(mask);
 }
 

@@ -53,6 +53,7 @@ constexpr auto kImpossible = "X a frame with an impossible length";
 
 void TstBusBroker::listen(const BusOptions &options)
 {
+    cleanup();
     auto broker = BusBroker::listen(options);
     QVERIFY(broker);
     m_broker = std::move(*broker);
@@ -120,7 +121,6 @@ void TstBusBroker::halfAFrameStallsNobody()
 
 void TstBusBroker::silentStrangerIsSentAway()
 {
-    m_broker.reset();
     listen({.socketPath = "/tmp/tst-bus", .greetingWait = 1ms});
     RawBusClient silent(*m_broker);
     QCOMPARE(silent.next(), "X no greeting in time");
@@ -169,7 +169,6 @@ void TstBusBroker::clientThatNeverReadsIsSentAwayAlone()
 
 void TstBusBroker::farewellEndsEvenWhenItIsNotRead()
 {
-    m_broker.reset();
     listen({.socketPath = "/tmp/tst-bus", .farewellWait = 1ms});
     RawBusClient lazy(*m_broker);
     QVERIFY(lazy.greet());
@@ -226,7 +225,6 @@ void TstBusBroker::leavingClientsAreForgotten()
 
 void TstBusBroker::endingBrokerWaitsForSlowReaders()
 {
-    m_broker.reset();
     listen({.socketPath = "/tmp/tst-bus", .endingWait = 60s});
     const auto slow = BusLink::open(m_broker->socketPath());
     QVERIFY(slow);

@@ -35,10 +35,8 @@ private Q_SLOTS:
     void stoppedServerGetsWhatWasSentMeanwhile();
     void silentServerIsAskedOnce();
     void channelMayBeOlderThanTheApplication();
-    void twoServersAreOne();
     void channelMayBeDeletedWhileItReceives();
     void nestedLoopKeepsTheOrderForAll();
-    void localMessagesStayHere();
     void impossibleNamesAndSizesAreRefused();
 
 private:
@@ -47,13 +45,20 @@ private:
 
 namespace {
 
-QList<QByteArray> namesIn(const QSignalSpy &spy)
-{
-    QList<QByteArray> names;
-    for (const auto &call : spy)
-        names.append(call.at(0).value<QCString>());
-    return names;
-}
+// A channel, and what it heard.
+struct Listener : QCopChannel {
+    using QCopChannel::QCopChannel;
+
+    [[nodiscard]] QList<QByteArray> names() const
+    {
+        QList<QByteArray> all;
+        for (const auto &call : heard)
+            all.append(call.at(0).value<QCString>());
+        return all;
+    }
+
+    QSignalSpy heard{this, &QCopChannel::received};
+};
 
 }
 
@@ -67,12 +72,9 @@ void TstQCopChannel::cleanup() { m_server.reset(); }
 
 void TstQCopChannel::messageReachesEveryProcessThatHasTheChannel()
 {
-    QCopChannel first("TYX/System");
-    QCopChannel second("TYX/System");
-    QCopChannel other("TYX/Other");
-    QSignalSpy firstSpy(&first, &QCopChannel::received);
-    QSignalSpy secondSpy(&second, &QCopChannel::received);
-    QSignalSpy otherSpy(&other, &QCopChannel::received);
+    const Listener first("TYX/System");
+    const Listener second("TYX/System");
+    const Listener other("TYX/Other");
     PeerProcess peer(QStringLiteral("buspeer"));
     QCOMPARE(peer.ask("open TYX/System"), "opened");
     QCOMPARE(m_server->ask("open TYX/System"), "opened");
@@ -81,26 +83,25 @@ void TstQCopChannel::messageReachesEveryProcessThatHasTheChannel()
 
     QCOMPARE(peer.line(), "got TYX/System applyStyle() 0001ff");
     QCOMPARE(m_server->line(), "got TYX/System applyStyle() 0001ff");
-    QTRY_COMPARE(firstSpy.size(), 1);
-    QTRY_COMPARE(secondSpy.size(), 1);
-    QCOMPARE(firstSpy[0][0].value<QCString>(), "applyStyle()");
-    QCOMPARE(firstSpy[0][1].toByteArray(), QByteArray("\0\1\xFF", 3));
-    QCOMPARE(otherSpy.size(), 0);
+    QTRY_COMPARE(first.heard.size(), 1);
+    QTRY_COMPARE(second.heard.size(), 1);
+    QCOMPARE(first.heard[0][0].value<QCString>(), "applyStyle()");
+    QCOMPARE(first.heard[0][1].toByteArray(), QByteArray("\0\1\xFF", 3));
+    QCOMPARE(other.heard.size(), 0);
 
     QCOMPARE(m_server->ask("send TYX/Other fromServer 00"), "sent 1");
-    QTRY_COMPARE(namesIn(otherSpy), QList<QByteArray>{"fromServer"});
+    QTRY_COMPARE(other.names(), QList<QByteArray>{"fromServer"});
 }
 
 void TstQCopChannel::senderKeepsItsOrderAroundAQuestion()
 {
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Listener channel("c");
     QVERIFY(QCopChannel::send("c", "1"));
     QVERIFY(QCopChannel::isRegistered("c"));
-    QCOMPARE(spy.size(), 0); // what came with the answer waits for the event loop,
-    QTRY_COMPARE(namesIn(spy), QList<QByteArray>{"1"}); // and for nothing else
+    QCOMPARE(channel.heard.size(), 0); // what came with the answer waits for the event loop,
+    QTRY_COMPARE(channel.names(), QList<QByteArray>{"1"}); // and for nothing else
     QVERIFY(QCopChannel::send("c", "2"));
-    QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"1", "2"}));
+    QTRY_COMPARE(channel.names(), (QList<QByteArray>{"1", "2"}));
 }
 
 void TstQCopChannel::registrationEndsWithTheChannelOrTheProcess()
@@ -124,14 +125,13 @@ void TstQCopChannel::registrationEndsWithTheChannelOrTheProcess()
 void TstQCopChannel::messageOfAProcessThatEndsAtOnceArrives()
 {
     constexpr int kCount = 5'000; // more than a socket takes while the receiver is not looking
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Listener channel("c");
     PeerProcess peer(QStringLiteral("buspeer"));
     peer.tell("die c last 00112233445566778899 " + QByteArray::number(kCount));
     QVERIFY(peer.waitForEnd());
-    QTRY_COMPARE(spy.size(), kCount);
+    QTRY_COMPARE(channel.heard.size(), kCount);
     for (int i = 0; i < kCount; ++i)
-        QCOMPARE(spy[i][1].toByteArray().right(4).toHex().toInt(nullptr, 16), i);
+        QCOMPARE(channel.heard[i][1].toByteArray().right(4).toHex().toInt(nullptr, 16), i);
 }
 
 void TstQCopChannel::withoutServerEverythingAnswersNo()
@@ -145,8 +145,7 @@ void TstQCopChannel::withoutServerEverythingAnswersNo()
 
 void TstQCopChannel::channelsWorkAgainAfterTheServerWasKilled()
 {
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Listener channel("c");
     QVERIFY(QCopChannel::isRegistered("c"));
     m_server->kill();
     QTRY_VERIFY(!QCopChannel::send("c", "lost"));
@@ -156,12 +155,12 @@ void TstQCopChannel::channelsWorkAgainAfterTheServerWasKilled()
     PeerProcess peer(QStringLiteral("buspeer"));
     QTRY_COMPARE(peer.ask("registered c"), "registered 1");
     QCOMPARE(peer.ask("send c again 00"), "sent 1");
-    QTRY_COMPARE(namesIn(spy), QList<QByteArray>{"again"});
+    QTRY_COMPARE(channel.names(), QList<QByteArray>{"again"});
 
     m_server->kill();
     init();
     QVERIFY(QCopChannel::send("c", "at once")); // over a connection that is dead already
-    QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"again", "at once"}));
+    QTRY_COMPARE(channel.names(), (QList<QByteArray>{"again", "at once"}));
 }
 
 void TstQCopChannel::oneProcessMayHostAndTakePart()
@@ -169,8 +168,7 @@ void TstQCopChannel::oneProcessMayHostAndTakePart()
     m_server.reset();
     auto broker = BusBroker::listen();
     QVERIFY(broker);
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Listener channel("c");
     QVERIFY(QCopChannel::isRegistered("c"));
     PeerProcess peer(QStringLiteral("buspeer"));
     peer.tell("open p");
@@ -180,8 +178,8 @@ void TstQCopChannel::oneProcessMayHostAndTakePart()
         QVERIFY(QCopChannel::send("p", name));
         QVERIFY(!QCopChannel::isRegistered("nobody"));
     }
-    QCOMPARE(spy.size(), 0);
-    QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"1", "2", "3"}));
+    QCOMPARE(channel.heard.size(), 0);
+    QTRY_COMPARE(channel.names(), (QList<QByteArray>{"1", "2", "3"}));
     QCOMPARE(peer.line(), "opened");
     for (const char *name : {"1", "2", "3"})
         QCOMPARE(peer.line(), QByteArray("got p ") + name);
@@ -208,8 +206,7 @@ void TstQCopChannel::answeringToOneselfLeavesTheLoopToOthers()
 
 void TstQCopChannel::hostingTakesOverWhatTheProcessHad()
 {
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Listener channel("c");
     QVERIFY(QCopChannel::isRegistered("c"));
     m_server->kill();
     {
@@ -217,18 +214,17 @@ void TstQCopChannel::hostingTakesOverWhatTheProcessHad()
         QVERIFY(broker);
         QVERIFY(QCopChannel::isRegistered("c"));
         QVERIFY(QCopChannel::send("c", "here"));
-        QTRY_COMPARE(namesIn(spy), QList<QByteArray>{"here"});
+        QTRY_COMPARE(channel.names(), QList<QByteArray>{"here"});
     }
     QVERIFY(!QCopChannel::send("c", "nobody"));
     init();
     QVERIFY(QCopChannel::send("c", "there"));
-    QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"here", "there"}));
+    QTRY_COMPARE(channel.names(), (QList<QByteArray>{"here", "there"}));
 }
 
 void TstQCopChannel::stoppedServerGetsWhatWasSentMeanwhile()
 {
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Listener channel("c");
     kill(pid_t(m_server->pid()), SIGSTOP);
     const QByteArray data(100'000, 'd');
     int sent = 0;
@@ -239,9 +235,9 @@ void TstQCopChannel::stoppedServerGetsWhatWasSentMeanwhile()
     QVERIFY(!QCopChannel::isRegistered("c"));
     kill(pid_t(m_server->pid()), SIGCONT);
     QTRY_VERIFY(QCopChannel::isRegistered("c"));
-    QTRY_COMPARE(spy.size(), sent);
+    QTRY_COMPARE(channel.heard.size(), sent);
     for (int i = 0; i < sent; ++i)
-        QCOMPARE(spy[i][0].value<QCString>(), QByteArray::number(i));
+        QCOMPARE(channel.heard[i][0].value<QCString>(), QByteArray::number(i));
 }
 
 // Each question that is asked is waited for: how many were says whether the second one made anybody wait.
@@ -281,37 +277,24 @@ void TstQCopChannel::channelMayBeOlderThanTheApplication()
     QCOMPARE(peer.line(), "got early m");
 }
 
-void TstQCopChannel::twoServersAreOne()
-{
-    PeerProcess second(QStringLiteral("buspeer"));
-    QCOMPARE(second.ask("host"), "failed lock of the bus: Address already in use");
-    const QCopChannel channel("c");
-    QVERIFY(QCopChannel::isRegistered("c")); // the first one is not disturbed
-    m_server->kill();
-    QCOMPARE(second.ask("host"), "hosting");
-}
-
 void TstQCopChannel::channelMayBeDeletedWhileItReceives()
 {
     auto *first = new QCopChannel("c");
     auto *second = new QCopChannel("c");
-    QCopChannel third("c");
-    QSignalSpy spy(&third, &QCopChannel::received);
+    const Listener third("c");
     connect(first, &QCopChannel::received, this, [&] {
         delete second; // it waits for the same message
         delete first;
     });
     QVERIFY(QCopChannel::send("c", "1"));
     QVERIFY(QCopChannel::send("c", "2"));
-    QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"1", "2"}));
+    QTRY_COMPARE(third.names(), (QList<QByteArray>{"1", "2"}));
 }
 
 void TstQCopChannel::nestedLoopKeepsTheOrderForAll()
 {
-    QCopChannel first("c");
-    QCopChannel second("c");
-    QSignalSpy firstSpy(&first, &QCopChannel::received);
-    QSignalSpy secondSpy(&second, &QCopChannel::received);
+    const Listener first("c");
+    const Listener second("c");
     QEventLoop nested;
     connect(&first, &QCopChannel::received, this, [&](const QCString &name) {
         if (name == "1")
@@ -321,22 +304,8 @@ void TstQCopChannel::nestedLoopKeepsTheOrderForAll()
     });
     for (const char *name : {"1", "2", "3"})
         QVERIFY(QCopChannel::send("c", name));
-    QTRY_COMPARE(namesIn(secondSpy), (QList<QByteArray>{"1", "2", "3"}));
-    QCOMPARE(namesIn(firstSpy), (QList<QByteArray>{"1", "2", "3"}));
-}
-
-void TstQCopChannel::localMessagesStayHere()
-{
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
-    PeerProcess peer(QStringLiteral("buspeer"));
-    QCOMPARE(peer.ask("open c"), "opened");
-    QVERIFY(QCopChannel::sendLocally("c", "here"));
-    QCOMPARE(namesIn(spy), QList<QByteArray>{"here"});
-    QVERIFY(!QCopChannel::sendLocally("nobody", "here"));
-    QVERIFY(QCopChannel::send("c", "everywhere"));
-    QCOMPARE(peer.line(), "got c everywhere");
-    QTRY_COMPARE(namesIn(spy), (QList<QByteArray>{"here", "everywhere"}));
+    QTRY_COMPARE(second.names(), (QList<QByteArray>{"1", "2", "3"}));
+    QCOMPARE(first.names(), (QList<QByteArray>{"1", "2", "3"}));
 }
 
 void TstQCopChannel::impossibleNamesAndSizesAreRefused()
@@ -351,13 +320,12 @@ void TstQCopChannel::impossibleNamesAndSizesAreRefused()
         QVERIFY(!QCopChannel::isRegistered(name));
         QVERIFY(!QCopChannel::send(name, "x"));
     }
-    QCopChannel channel("c");
-    QSignalSpy spy(&channel, &QCopChannel::received);
+    const Listener channel("c");
     const QByteArray largest(1024 * 1024 - 4 - 1 - 1 - 1 - 4 - 1, 'd');
     QVERIFY(!QCopChannel::send("c", "x", largest + 'd'));
     QVERIFY(QCopChannel::send("c", "x", largest));
-    QTRY_COMPARE(spy.size(), 1);
-    QCOMPARE(spy[0][1].toByteArray(), largest);
+    QTRY_COMPARE(channel.heard.size(), 1);
+    QCOMPARE(channel.heard[0][1].toByteArray(), largest);
 }
 
 QTEST_GUILESS_MAIN(TstQCopChannel)
