@@ -41,6 +41,8 @@ public:
         m_process.waitForFinished(kPatienceMs);
     }
     bool waitForEnd() { return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(kPatienceMs); }
+    // Its exit status once it has ended; -1 when a signal ended it or nothing does.
+    int status() { return waitForEnd() && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1; }
     qint64 pid() const { return m_process.processId(); }
 
 private:

@@ -1,34 +1,22 @@
 // The example in docs/bus.md, run as it is printed there.
 #include <QCopChannel>
-#include <QFile>
-#include <QProcess>
 #include <QSignalSpy>
-#include <QTest>
 
 #include "platform/bus/busbroker.h"
+#include "tests/support/testfiles.h"
 
 // docs/bus.md is a promise to programs that do not use this library.
 class TstBusDoc : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void pythonClientTalksToTheBus();
-
-private:
-    QString m_page;
 };
-
-void TstBusDoc::initTestCase()
-{
-    QFile file(QStringLiteral(TYX_SOURCE_DIR "/docs/bus.md"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    m_page = QString::fromUtf8(file.readAll());
-}
 
 void TstBusDoc::pythonClientTalksToTheBus()
 {
-    const QString code = m_page.section(QStringLiteral("```python\n"), 1).section(QStringLiteral("```"), 0, 0);
+    const QString page = QString::fromUtf8(content(QStringLiteral(TYX_SOURCE_DIR "/docs/bus.md")));
+    const QString code = page.section(QStringLiteral("```python\n"), 1).section(QStringLiteral("```"), 0, 0);
     QVERIFY(code.count(u'\n') >= 20);
     const auto broker = platform::BusBroker::listen();
     QVERIFY(broker);

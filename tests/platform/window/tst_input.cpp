@@ -12,6 +12,10 @@ void type(int unicode, int keycode, int modifiers = 0)
     QWSServer::sendKeyEvent(unicode, keycode, modifiers, false, false);
 }
 
+QString pressed(int key, bool again = false) { return QStringLiteral("w press %1  0 %2").arg(key).arg(int(again)); }
+
+QString nextPress(Client &client) { return client.says(u"w press"_qs) ? client.line() : u"no press"_qs; }
+
 }
 
 class TstInput : public QObject {
@@ -19,6 +23,7 @@ class TstInput : public QObject {
 
 private Q_SLOTS:
     void init();
+    void cleanup();
     void keysArriveWhole_data();
     void keysArriveWhole();
     void driversRepeatIsPassedOn();
@@ -31,13 +36,20 @@ private Q_SLOTS:
     void wheelTurns();
     void ownKeyboardAndPointerOfTheScreen();
     void disabledInputReachesNobody();
+
+private:
+    std::unique_ptr<Client> m_client; // shows a main window "w"
 };
 
 void TstInput::init()
 {
     QTRY_VERIFY(server().clientWindows().isEmpty());
     QWSServer::setKeyRepeat(0, 0);
+    m_client = std::make_unique<Client>();
+    QVERIFY(m_client->shows(u"w"_qs, u"main"_qs));
 }
+
+void TstInput::cleanup() { m_client.reset(); }
 
 void TstInput::keysArriveWhole_data()
 {
@@ -70,76 +82,59 @@ void TstInput::keysArriveWhole()
     QFETCH(int, key);
     QFETCH(int, modifiers);
     QFETCH(QString, seen);
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     type(unicode, key, modifiers);
-    QVERIFY(client.says(u"w press"_qs));
-    QCOMPARE(client.line(), u"w press "_qs + seen);
-    QVERIFY(client.says(u"w release "_qs + seen.section(u' ', 0, 0)));
+    QCOMPARE(nextPress(*m_client), u"w press "_qs + seen);
+    QVERIFY(m_client->says(u"w release "_qs + seen.section(u' ', 0, 0)));
 }
 
 void TstInput::driversRepeatIsPassedOn()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     QWSKeyboardHandler driver;
     driver.processKeyEvent(0, Qt::Key_Up, 0, true, false);
     driver.processKeyEvent(0, Qt::Key_Up, 0, true, true);
-    QVERIFY(client.says(QStringLiteral("w press %1  0 0").arg(int(Qt::Key_Up))));
-    QVERIFY(client.says(QStringLiteral("w press %1  0 1").arg(int(Qt::Key_Up))));
+    QVERIFY(m_client->says(pressed(Qt::Key_Up)));
+    QVERIFY(m_client->says(pressed(Qt::Key_Up, true)));
 }
 
 void TstInput::heldKeyRepeatsUntilReleased()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     QWSServer::setKeyRepeat(1, 1);
     QWSServer::sendKeyEvent(0, Qt::Key_F6, 0, true, false); // a hard key: never repeats
     QWSServer::sendKeyEvent(0, Qt::Key_Down, 0, true, false);
-    const QString repeated = QStringLiteral("w press %1  0 1").arg(int(Qt::Key_Down));
+    const QString repeated = pressed(Qt::Key_Down, true);
     for (int i = 0; i < 3; ++i) {
-        QVERIFY(client.says(u"w press"_qs));
-        QVERIFY(client.line() == repeated || !client.line().endsWith(u'1'));
+        QVERIFY(m_client->says(u"w press"_qs));
+        QVERIFY(m_client->line() == repeated || !m_client->line().endsWith(u'1'));
     }
-    QVERIFY(client.says(repeated));
+    QVERIFY(m_client->says(repeated));
     QWSServer::sendKeyEvent(0, Qt::Key_Down, 0, false, false);
     type(0, Qt::Key_F7);
-    QVERIFY(client.says(QStringLiteral("w release %1").arg(int(Qt::Key_Down))));
-    QVERIFY(client.says(u"w press"_qs));
-    QCOMPARE(client.line(), QStringLiteral("w press %1  0 0").arg(int(Qt::Key_F7)));
+    QVERIFY(m_client->says(QStringLiteral("w release %1").arg(int(Qt::Key_Down))));
+    QCOMPARE(nextPress(*m_client), pressed(Qt::Key_F7));
 }
 
 void TstInput::aKeyThatComesUpUnderAnotherNameStopsRepeating()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     QWSServer::setKeyRepeat(1, 1);
     QWSServer::sendKeyEvent('!', Qt::Key_Exclam, int(Qt::ShiftModifier), true, false);
-    QVERIFY(client.says(u"w press"_qs));
+    QVERIFY(m_client->says(u"w press"_qs));
     QWSServer::sendKeyEvent('1', Qt::Key_1, 0, false, false);
     QWSServer::sendKeyEvent(0, Qt::Key_F7, 0, true, false);
-    const QString last = QStringLiteral("w press %1  0 0").arg(int(Qt::Key_F7));
-    do
-        QVERIFY(client.says(u"w press"_qs)); // repeats that were under way
-    while (client.line() != last);
+    QVERIFY(m_client->says(pressed(Qt::Key_F7))); // after repeats that were under way
     QWSServer::sendKeyEvent(0, Qt::Key_F8, 0, true, false);
-    QVERIFY(client.says(u"w press"_qs));
-    QCOMPARE(client.line(), QStringLiteral("w press %1  0 0").arg(int(Qt::Key_F8)));
+    QCOMPARE(nextPress(*m_client), pressed(Qt::Key_F8));
 }
 
 void TstInput::releaseFollowsThePress()
 {
-    Client one;
-    QVERIFY(one.shows(u"w"_qs, u"main"_qs));
     QWSServer::sendKeyEvent(0, Qt::Key_F9, 0, true, false);
-    QVERIFY(one.says(u"w press"_qs));
+    QVERIFY(m_client->says(u"w press"_qs));
     Client two;
     QVERIFY(two.shows(u"w"_qs, u"main"_qs));
     QWSServer::sendKeyEvent(0, Qt::Key_F9, 0, false, false);
-    QVERIFY(one.says(u"w release"_qs));
+    QVERIFY(m_client->says(u"w release"_qs));
     QWSServer::sendKeyEvent(0, Qt::Key_F10, 0, true, false);
-    QVERIFY(two.says(u"w press"_qs));
-    QCOMPARE(two.line().section(u' ', 2, 2).toInt(), int(Qt::Key_F10));
+    QCOMPARE(nextPress(two), pressed(Qt::Key_F10));
 }
 
 void TstInput::filterSeesKeysFirst()
@@ -153,8 +148,6 @@ void TstInput::filterSeesKeysFirst()
         }
         QList<int> seen;
     };
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     {
         Filter filter;
         QWSServer::setKeyboardFilter(&filter);
@@ -163,15 +156,12 @@ void TstInput::filterSeesKeysFirst()
         QCOMPARE(filter.seen, (QList<int>{Qt::Key_F6, -Qt::Key_F6, Qt::Key_F7, -Qt::Key_F7}));
     }
     type(0, Qt::Key_F6); // a filter that died is out
-    QVERIFY(client.says(u"w press"_qs));
-    QCOMPARE(client.line().section(u' ', 2, 2).toInt(), int(Qt::Key_F7));
-    QVERIFY(client.says(QStringLiteral("w press %1").arg(int(Qt::Key_F6))));
+    QCOMPARE(nextPress(*m_client), pressed(Qt::Key_F7));
+    QVERIFY(m_client->says(pressed(Qt::Key_F6)));
 }
 
 void TstInput::serverWidgetWithFocusGetsKeys()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     QLineEdit search(server().screenWidget());
     search.show();
     search.setFocus();
@@ -180,55 +170,46 @@ void TstInput::serverWidgetWithFocusGetsKeys()
     QCOMPARE(search.text(), u"x"_qs);
     server().sendMouseEvent({100, 200}, Qt::LeftButton);
     server().sendMouseEvent({100, 200}, Qt::NoButton);
-    client.window(u"w"_qs)->raise();
+    m_client->window(u"w"_qs)->raise();
     search.clearFocus();
     type(u'y', 0);
-    QVERIFY(client.says(u"w press"_qs));
-    QCOMPARE(client.line().section(u' ', 3, 3), u"79"_qs);
+    QCOMPARE(nextPress(*m_client).section(u' ', 3, 3), u"79"_qs);
     QCOMPARE(search.text(), u"x"_qs);
 }
 
 void TstInput::pointerIsRelativeAndGrabbed()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
-    QVERIFY(client.shows(u"f"_qs, u"frameless"_qs, u"blue"_qs, {50, 50}));
-    QVERIFY(client.does(u"move f 100 100"_qs));
-    QTRY_COMPARE(client.window(u"f"_qs)->geometry().topLeft(), QPoint(100, 100));
+    QVERIFY(m_client->shows(u"f"_qs, u"frameless"_qs, u"blue"_qs, {50, 50}));
+    QVERIFY(m_client->does(u"move f 100 100"_qs));
+    QTRY_COMPARE(m_client->window(u"f"_qs)->geometry().topLeft(), QPoint(100, 100));
     server().sendMouseEvent({110, 120}, Qt::LeftButton);
-    QVERIFY(client.says(u"f down 10 20"_qs));
+    QVERIFY(m_client->says(u"f down 10 20"_qs));
     server().sendMouseEvent({10, 60}, Qt::LeftButton); // outside, but held
-    QVERIFY(client.says(u"f move -90 -40"_qs));
+    QVERIFY(m_client->says(u"f move -90 -40"_qs));
     server().sendMouseEvent({10, 60}, Qt::NoButton);
-    QVERIFY(client.says(u"f up -90 -40"_qs));
+    QVERIFY(m_client->says(u"f up -90 -40"_qs));
     server().sendMouseEvent({10, 60}, Qt::LeftButton);
     server().sendMouseEvent({10, 60}, Qt::NoButton);
-    QVERIFY(client.says(u"w down 10 40"_qs));
+    QVERIFY(m_client->says(u"w down 10 40"_qs));
 }
 
 void TstInput::wheelTurns()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     server().sendMouseEvent({110, 120}, Qt::NoButton, -120);
-    QVERIFY(client.says(u"w wheel -120"_qs));
+    QVERIFY(m_client->says(u"w wheel -120"_qs));
 }
 
 void TstInput::ownKeyboardAndPointerOfTheScreen()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     QWindow *screen = server().screenWidget()->windowHandle();
     QTest::keyClick(screen, Qt::Key_F13);
-    QVERIFY(client.says(QStringLiteral("w press %1").arg(int(Qt::Key_F13))));
+    QVERIFY(m_client->says(pressed(Qt::Key_F13)));
     QTest::mouseClick(screen, Qt::LeftButton, Qt::NoModifier, {30, 50});
-    QVERIFY(client.says(u"w down 30 30"_qs));
+    QVERIFY(m_client->says(u"w down 30 30"_qs));
 }
 
 void TstInput::disabledInputReachesNobody()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     server().setInputEnabled(false);
     type(0, Qt::Key_F6);
     server().sendMouseEvent({110, 120}, Qt::LeftButton);
@@ -236,8 +217,7 @@ void TstInput::disabledInputReachesNobody()
     server().sendMouseEvent({110, 120}, Qt::NoButton);
     server().setInputEnabled(true);
     type(0, Qt::Key_F8);
-    QVERIFY(client.says(u"w press"_qs));
-    QCOMPARE(client.line().section(u' ', 2, 2).toInt(), int(Qt::Key_F8));
+    QCOMPARE(nextPress(*m_client), pressed(Qt::Key_F8));
 }
 
 int main(int argc, char **argv) { return runOnServer<TstInput>(argc, argv); }

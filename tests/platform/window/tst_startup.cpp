@@ -1,53 +1,21 @@
 // The server program and the clients' way to it, as processes.
-#include <QFile>
-#include <QProcess>
-#include <QRegularExpression>
-#include <QTest>
+#include "tests/support/peerprocess.h"
+#include "tests/support/testfiles.h"
+
 #include <csignal>
 
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds
-
 const QString kServer = QStringLiteral(TYX_BINARY_DIR "/bin/tyx-guiserver");
-const QString kClient = QStringLiteral(TYX_BINARY_DIR "/tests/windowpeer");
-
-struct Outcome {
-    int status;
-    QByteArray output;
-    QByteArray errors;
-};
-
-Outcome run(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(kPatience))
-        return {-1, {}, "still running"};
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-        process.readAllStandardError()};
-}
 
 // One that is ready.
-class Server {
+class Server : public PeerProcess {
 public:
     explicit Server(const QStringList &arguments = {u"--platform"_qs, u"offscreen"_qs})
+        : PeerProcess(u"../bin/tyx-guiserver"_qs, arguments), greeting(line())
     {
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(kServer, arguments);
-        while (!process.canReadLine() && process.waitForReadyRead(kPatience)) { }
-        greeting = process.readLine();
     }
-    ~Server()
-    {
-        process.kill();
-        process.waitForFinished();
-    }
-    Server(const Server &) = delete;
-    Server &operator=(const Server &) = delete;
-
-    QProcess process;
-    QByteArray greeting;
+    const QByteArray greeting;
 };
 
 QString socketPath() { return qEnvironmentVariable("XDG_RUNTIME_DIR") + u"/tyx-screen-0"_qs; }
@@ -59,7 +27,6 @@ class TstStartup : public QObject {
 
 private Q_SLOTS:
     void serverSaysWhenItIsReady();
-    void serverStopsCleanly_data();
     void serverStopsCleanly();
     void secondServerIsRefused();
     void crashedServerIsReplaced();
@@ -67,7 +34,6 @@ private Q_SLOTS:
     void wrongArguments();
     void clientWithoutServerGivesUp();
     void clientWaitsForAServerThatIsStarting();
-    void clientEndsWithItsOwnStatus();
     void clientsEndWithTheServer();
 };
 
@@ -75,26 +41,18 @@ void TstStartup::serverSaysWhenItIsReady()
 {
     const Server server({u"--size=320x480"_qs, u"--platform=offscreen"_qs});
     QCOMPARE(
-        server.greeting, "tyx-guiserver: ready on " + socketPath().toUtf8() + ", screen 320x480, platform offscreen\n");
-}
-
-void TstStartup::serverStopsCleanly_data()
-{
-    QTest::addColumn<int>("signal");
-    QTest::newRow("SIGTERM") << SIGTERM;
-    QTest::newRow("SIGINT") << SIGINT;
+        server.greeting, "tyx-guiserver: ready on " + socketPath().toUtf8() + ", screen 320x480, platform offscreen");
 }
 
 void TstStartup::serverStopsCleanly()
 {
-    QFETCH(int, signal);
-    Server server;
-    QVERIFY(QFile::exists(socketPath()));
-    ::kill(pid_t(server.process.processId()), signal);
-    QVERIFY(server.process.waitForFinished(kPatience));
-    QCOMPARE(server.process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(server.process.exitCode(), 0);
-    QVERIFY(!QFile::exists(socketPath()));
+    for (const int signal : {SIGTERM, SIGINT}) {
+        Server server;
+        QVERIFY(QFile::exists(socketPath()));
+        ::kill(pid_t(server.pid()), signal);
+        QCOMPARE(server.status(), 0);
+        QVERIFY(!QFile::exists(socketPath()));
+    }
 }
 
 void TstStartup::secondServerIsRefused()
@@ -102,9 +60,10 @@ void TstStartup::secondServerIsRefused()
     Server first;
     const Outcome second = run(kServer, {u"--platform"_qs, u"offscreen"_qs});
     QCOMPARE(second.status, 1);
-    QCOMPARE(second.errors, "tyx-guiserver: another window server runs on " + socketPath().toUtf8() + "\n");
+    QCOMPARE(second.err, "tyx-guiserver: another window server runs on " + socketPath().toUtf8() + "\n");
     QVERIFY(QFile::exists(socketPath())); // the first one's
-    QCOMPARE(first.process.state(), QProcess::Running);
+    ::kill(pid_t(first.pid()), SIGTERM);
+    QCOMPARE(first.status(), 0); // it went on until now
 }
 
 void TstStartup::crashedServerIsReplaced()
@@ -138,52 +97,36 @@ void TstStartup::wrongArguments()
     QFETCH(QString, named);
     const Outcome outcome = run(kServer, arguments);
     QCOMPARE(outcome.status, status);
-    QVERIFY2(outcome.errors.contains(named.toUtf8()), outcome.errors.constData());
-    QVERIFY(status != 0 || outcome.output.contains("--platform"));
+    QVERIFY2(outcome.err.contains(named.toUtf8()), outcome.err.constData());
+    QVERIFY(status != 0 || outcome.out.contains("--platform"));
 }
 
 void TstStartup::clientWithoutServerGivesUp()
 {
     QFile::remove(socketPath());
-    const Outcome client = run(kClient, {});
+    const Outcome client = run(QStringLiteral(TYX_BINARY_DIR "/tests/windowpeer"), {});
     QCOMPARE(client.status, 1);
-    QCOMPARE(client.errors,
+    QCOMPARE(client.err,
         "windowpeer: no window server answers on " + socketPath().toUtf8() + "; start tyx-guiserver first\n");
 }
 
 void TstStartup::clientWaitsForAServerThatIsStarting()
 {
-    QProcess client;
-    client.start(kClient, {});
-    QVERIFY(client.waitForStarted());
+    PeerProcess client(u"windowpeer"_qs);
     const Server server;
-    while (!client.canReadLine() && client.waitForReadyRead(kPatience)) { }
-    QCOMPARE(client.readLine(), QByteArray("ready\n"));
-    client.write("exit 0\n");
-    QVERIFY(client.waitForFinished(kPatience));
-}
-
-void TstStartup::clientEndsWithItsOwnStatus()
-{
-    const Server server;
-    QProcess client;
-    client.start(kClient, {});
-    client.write("make w main 10 10 red\nshow w\nexit 7\n");
-    QVERIFY(client.waitForFinished(kPatience));
-    QCOMPARE(client.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(client.exitCode(), 7);
+    QCOMPARE(client.line(), "ready");
+    client.tell("make w main 10 10 red\nshow w\nexit 7");
+    QCOMPARE(client.status(), 7);
 }
 
 void TstStartup::clientsEndWithTheServer()
 {
     Server server;
-    QProcess client;
-    client.start(kClient, {});
-    while (!client.canReadLine() && client.waitForReadyRead(kPatience)) { }
-    server.process.terminate();
-    QVERIFY(server.process.waitForFinished(kPatience));
-    QVERIFY(client.waitForFinished(kPatience));
-    QCOMPARE(client.exitStatus(), QProcess::NormalExit); // not by a signal
+    PeerProcess client(u"windowpeer"_qs);
+    QCOMPARE(client.line(), "ready");
+    ::kill(pid_t(server.pid()), SIGTERM);
+    QCOMPARE(server.status(), 0);
+    QVERIFY(client.status() >= 0); // not by a signal
 }
 
 QTEST_GUILESS_MAIN(TstStartup)

@@ -8,6 +8,7 @@ class TstWindows : public QObject {
 
 private Q_SLOTS:
     void init();
+    void cleanup();
     void mainWindowFillsTheWorkArea();
     void workAreaMovesWindows();
     void fullScreenCoversTheBarAndGivesItBack();
@@ -25,32 +26,35 @@ private Q_SLOTS:
     void identifiersAreUniqueAndLast();
     void eventsTellALife();
     void killedClientIsGoneAtOnce();
+
+private:
+    std::unique_ptr<Client> m_client; // shows a main window "w", red
 };
 
 void TstWindows::init()
 {
     QTRY_VERIFY(server().clientWindows().isEmpty());
     server().setWorkArea(kWorkArea);
+    m_client = std::make_unique<Client>();
+    QVERIFY(m_client->shows(u"w"_qs, u"main"_qs));
 }
+
+void TstWindows::cleanup() { m_client.reset(); }
 
 void TstWindows::mainWindowFillsTheWorkArea()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
-    QTRY_COMPARE(client.window(u"w"_qs)->geometry(), kWorkArea);
+    QTRY_COMPARE(m_client->window(u"w"_qs)->geometry(), kWorkArea);
     QTRY_COMPARE(pixel(kWorkArea.bottomRight()), QColor(Qt::red));
     QCOMPARE(pixel({0, kBarHeight - 1}), QColor(Qt::black));
-    QVERIFY(client.does(u"title w Calendar"_qs));
-    QTRY_COMPARE(client.window(u"w"_qs)->caption(), u"Calendar"_qs);
+    QVERIFY(m_client->does(u"title w Calendar"_qs));
+    QTRY_COMPARE(m_client->window(u"w"_qs)->caption(), u"Calendar"_qs);
 }
 
 void TstWindows::workAreaMovesWindows()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     const QRect smaller = kWorkArea.adjusted(0, 10, 0, -50);
     server().setWorkArea(smaller);
-    QTRY_COMPARE(client.window(u"w"_qs)->geometry(), smaller);
+    QTRY_COMPARE(m_client->window(u"w"_qs)->geometry(), smaller);
     server().setWorkArea({}); // not an area
     server().setWorkArea({500, 500, 10, 10}); // not on the screen
     QCOMPARE(server().workArea(), smaller);
@@ -63,162 +67,140 @@ void TstWindows::fullScreenCoversTheBarAndGivesItBack()
     bar.setAutoFillBackground(true);
     bar.setPalette(QPalette(Qt::blue));
     bar.show();
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
     QTRY_COMPARE(pixel({5, 5}), QColor(Qt::blue));
-    client.tell(u"full w"_qs);
-    QTRY_COMPARE(client.window(u"w"_qs)->geometry(), kScreen);
+    m_client->tell(u"full w"_qs);
+    QTRY_COMPARE(m_client->window(u"w"_qs)->geometry(), kScreen);
     QTRY_COMPARE(pixel({5, 5}), QColor(Qt::red));
-    client.tell(u"normal w"_qs);
-    QTRY_COMPARE(client.window(u"w"_qs)->geometry(), kWorkArea);
+    m_client->tell(u"normal w"_qs);
+    QTRY_COMPARE(m_client->window(u"w"_qs)->geometry(), kWorkArea);
     QTRY_COMPARE(pixel({5, 5}), QColor(Qt::blue));
 }
 
 void TstWindows::framelessKeepsItsPlaceOnTheScreen()
 {
-    Client client;
-    QVERIFY(client.shows(u"f"_qs, u"frameless"_qs, u"green"_qs, {50, 40}));
-    QVERIFY(client.does(u"move f 300 100"_qs));
-    QTRY_COMPARE(client.window(u"f"_qs)->geometry(), QRect(190, 100, 50, 40));
+    QVERIFY(m_client->shows(u"f"_qs, u"frameless"_qs, u"green"_qs, {50, 40}));
+    QVERIFY(m_client->does(u"move f 300 100"_qs));
+    QTRY_COMPARE(m_client->window(u"f"_qs)->geometry(), QRect(190, 100, 50, 40));
 }
 
 void TstWindows::dialogIsCentredAndCutToTheWorkArea()
 {
-    Client client;
-    QVERIFY(client.shows(u"small"_qs, u"dialog"_qs));
-    QTRY_COMPARE(client.window(u"small"_qs)->geometry(), QRect(70, kBarHeight + 120, 100, 60));
-    QVERIFY(client.shows(u"huge"_qs, u"dialog"_qs, u"blue"_qs, {500, 500}));
-    QTRY_COMPARE(client.window(u"huge"_qs)->geometry(), kWorkArea);
+    QVERIFY(m_client->shows(u"small"_qs, u"dialog"_qs));
+    QTRY_COMPARE(m_client->window(u"small"_qs)->geometry(), QRect(70, kBarHeight + 120, 100, 60));
+    QVERIFY(m_client->shows(u"huge"_qs, u"dialog"_qs, u"blue"_qs, {500, 500}));
+    QTRY_COMPARE(m_client->window(u"huge"_qs)->geometry(), kWorkArea);
 }
 
 void TstWindows::popupStaysOnTheScreen()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
-    client.tell(u"make p popup 80 50 green"_qs);
-    client.tell(u"move p 200 300"_qs);
-    client.tell(u"show p"_qs);
-    QTRY_VERIFY(client.window(u"p"_qs) && client.window(u"p"_qs)->isVisible());
-    QTRY_COMPARE(client.window(u"p"_qs)->geometry(), QRect(160, 270, 80, 50));
+    m_client->tell(u"make p popup 80 50 green"_qs);
+    m_client->tell(u"move p 200 300"_qs);
+    m_client->tell(u"show p"_qs);
+    QTRY_VERIFY(m_client->window(u"p"_qs) && m_client->window(u"p"_qs)->isVisible());
+    QTRY_COMPARE(m_client->window(u"p"_qs)->geometry(), QRect(160, 270, 80, 50));
     QTRY_COMPARE(pixel({170, 280}), QColor(Qt::darkGreen));
-    QVERIFY(client.window(u"w"_qs)->isActive()); // a pop-up leaves the focus where it is
+    QVERIFY(m_client->window(u"w"_qs)->isActive()); // a pop-up leaves the focus where it is
 }
 
 void TstWindows::raisingBringsToFrontAndFocus()
 {
-    Client one;
     Client two;
-    QVERIFY(one.shows(u"w"_qs, u"main"_qs, u"red"_qs));
     QVERIFY(two.shows(u"w"_qs, u"main"_qs, u"blue"_qs));
     QTRY_COMPARE(pixel({100, 100}), QColor(Qt::blue));
     QCOMPARE(server().activeWindow(), two.window(u"w"_qs));
-    one.tell(u"raise w"_qs);
-    QVERIFY(one.says(u"w active"_qs));
+    m_client->tell(u"raise w"_qs);
+    QVERIFY(m_client->says(u"w active"_qs));
     QTRY_COMPARE(pixel({100, 100}), QColor(Qt::red));
-    QCOMPARE(server().clientWindows().first(), one.window(u"w"_qs));
-    one.window(u"w"_qs)->lower();
+    QCOMPARE(server().clientWindows().first(), m_client->window(u"w"_qs));
+    m_client->window(u"w"_qs)->lower();
     QTRY_COMPARE(server().activeWindow(), two.window(u"w"_qs));
-    QCOMPARE(server().clientWindows().last(), one.window(u"w"_qs));
+    QCOMPARE(server().clientWindows().last(), m_client->window(u"w"_qs));
     QTRY_COMPARE(pixel({100, 100}), QColor(Qt::blue));
 }
 
 void TstWindows::closingGivesTheFocusToTheNext()
 {
-    Client one;
     Client two;
-    QVERIFY(one.shows(u"w"_qs, u"main"_qs));
     QVERIFY(two.shows(u"w"_qs, u"main"_qs));
     two.tell(u"hide w"_qs);
-    QTRY_COMPARE(server().activeWindow(), one.window(u"w"_qs));
+    QTRY_COMPARE(server().activeWindow(), m_client->window(u"w"_qs));
     QVERIFY(!two.window(u"w"_qs)->isVisible()); // it is hidden, not gone
-    one.tell(u"delete w"_qs);
-    QTRY_VERIFY(!one.window(u"w"_qs));
+    m_client->tell(u"delete w"_qs);
+    QTRY_VERIFY(!m_client->window(u"w"_qs));
     QVERIFY(!server().activeWindow());
 }
 
 void TstWindows::modalDialogStandsInForItsProgram()
 {
-    Client client;
     Client other;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs, u"red"_qs));
-    QVERIFY(client.shows(u"ask"_qs, u"modal"_qs, u"green"_qs));
-    QCOMPARE(server().activeWindow(), client.window(u"ask"_qs));
+    QVERIFY(m_client->shows(u"ask"_qs, u"modal"_qs, u"green"_qs));
+    QCOMPARE(server().activeWindow(), m_client->window(u"ask"_qs));
     QVERIFY(other.shows(u"w"_qs, u"main"_qs, u"blue"_qs));
     QCOMPARE(server().activeWindow(), other.window(u"w"_qs));
-    client.window(u"w"_qs)->raise();
-    QCOMPARE(server().activeWindow(), client.window(u"ask"_qs));
-    QTRY_COMPARE(pixel(client.window(u"ask"_qs)->geometry().center()), QColor(Qt::darkGreen));
-    client.tell(u"delete ask"_qs);
-    QTRY_COMPARE(server().activeWindow(), client.window(u"w"_qs));
+    m_client->window(u"w"_qs)->raise();
+    QCOMPARE(server().activeWindow(), m_client->window(u"ask"_qs));
+    QTRY_COMPARE(pixel(m_client->window(u"ask"_qs)->geometry().center()), QColor(Qt::darkGreen));
+    m_client->tell(u"delete ask"_qs);
+    QTRY_COMPARE(server().activeWindow(), m_client->window(u"w"_qs));
 }
 
 void TstWindows::dialogOfBackgroundProgramStaysThere()
 {
-    Client background;
     Client front;
-    QVERIFY(background.shows(u"w"_qs, u"main"_qs));
     QVERIFY(front.shows(u"w"_qs, u"main"_qs, u"blue"_qs));
-    QVERIFY(background.shows(u"d"_qs, u"dialog"_qs));
+    QVERIFY(m_client->shows(u"d"_qs, u"dialog"_qs));
     QCOMPARE(server().activeWindow(), front.window(u"w"_qs));
     QCOMPARE(server().clientWindows(),
-        (QList<QWSWindow *>{front.window(u"w"_qs), background.window(u"d"_qs), background.window(u"w"_qs)}));
+        (QList<QWSWindow *>{front.window(u"w"_qs), m_client->window(u"d"_qs), m_client->window(u"w"_qs)}));
 }
 
 void TstWindows::dialogTakesItsProgramAlong()
 {
     Client asking;
-    Client other;
-    QVERIFY(other.shows(u"w"_qs, u"main"_qs, u"blue"_qs));
     QVERIFY(asking.shows(u"w"_qs, u"main"_qs));
     QVERIFY(asking.shows(u"d"_qs, u"dialog"_qs));
     asking.window(u"d"_qs)->lower();
-    QCOMPARE(server().activeWindow(), other.window(u"w"_qs));
+    QCOMPARE(server().activeWindow(), m_client->window(u"w"_qs));
     QCOMPARE(server().clientWindows(),
-        (QList<QWSWindow *>{other.window(u"w"_qs), asking.window(u"d"_qs), asking.window(u"w"_qs)}));
+        (QList<QWSWindow *>{m_client->window(u"w"_qs), asking.window(u"d"_qs), asking.window(u"w"_qs)}));
     QVERIFY(asking.shows(u"w2"_qs, u"main"_qs)); // comes to the front, but not over the dialog
     QCOMPARE(server().clientWindows().first(), asking.window(u"d"_qs));
 }
 
 void TstWindows::focusIsNotTaken()
 {
-    Client one;
     Client two;
-    QVERIFY(one.shows(u"w"_qs, u"main"_qs));
     QVERIFY(two.shows(u"w"_qs, u"main"_qs));
-    QVERIFY(one.does(u"activate w"_qs)); // not in front: not heard
-    QVERIFY(one.shows(u"keyboard"_qs, u"nofocus"_qs));
+    QVERIFY(m_client->does(u"activate w"_qs)); // not in front: not heard
+    QVERIFY(m_client->shows(u"keyboard"_qs, u"nofocus"_qs));
     QCOMPARE(server().activeWindow(), two.window(u"w"_qs));
-    one.window(u"w"_qs)->setActiveWindow(); // the server may, whatever lies above
-    QCOMPARE(server().activeWindow(), one.window(u"w"_qs));
+    m_client->window(u"w"_qs)->setActiveWindow(); // the server may, whatever lies above
+    QCOMPARE(server().activeWindow(), m_client->window(u"w"_qs));
 }
 
 void TstWindows::clickRaisesAndClosesPopupsOfOthers()
 {
-    Client below;
     Client above;
-    QVERIFY(below.shows(u"w"_qs, u"main"_qs, u"red"_qs));
     QVERIFY(above.shows(u"small"_qs, u"frameless"_qs, u"blue"_qs, {60, 60}));
     QVERIFY(above.does(u"menu small"_qs));
     QTRY_VERIFY(server().clientWindows().first()->isPopup());
     server().sendMouseEvent({200, 250}, Qt::LeftButton);
     QVERIFY(above.says(u"menu closed"_qs));
-    QVERIFY(below.says(u"w down 200 230"_qs));
+    QVERIFY(m_client->says(u"w down 200 230"_qs));
     server().sendMouseEvent({200, 250}, Qt::NoButton);
-    QCOMPARE(server().activeWindow(), below.window(u"w"_qs));
-    QCOMPARE(server().clientWindows().first(), below.window(u"w"_qs));
+    QCOMPARE(server().activeWindow(), m_client->window(u"w"_qs));
+    QCOMPARE(server().clientWindows().first(), m_client->window(u"w"_qs));
 }
 
 void TstWindows::menuClosesOnClickOnTheServersBar()
 {
-    Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
-    QVERIFY(client.does(u"menu w"_qs));
+    QVERIFY(m_client->does(u"menu w"_qs));
     QTRY_VERIFY(server().clientWindows().first()->isPopup());
     QCOMPARE(server().clientWindows().first()->geometry().topLeft(), kWorkArea.topLeft() + QPoint(30, 40));
     server().sendMouseEvent({100, 5}, Qt::LeftButton);
     server().sendMouseEvent({100, 5}, Qt::NoButton);
-    QVERIFY(client.says(u"menu closed"_qs));
-    QVERIFY(client.window(u"w"_qs)->isActive());
+    QVERIFY(m_client->says(u"menu closed"_qs));
+    QVERIFY(m_client->window(u"w"_qs)->isActive());
 }
 
 void TstWindows::identifiersAreUniqueAndLast()
@@ -242,7 +224,7 @@ void TstWindows::identifiersAreUniqueAndLast()
     QVERIFY(one.does(u"show w"_qs));
     QTRY_VERIFY(server().window(id)->isVisible());
     QCOMPARE(one.window(u"w"_qs)->winId(), id);
-    QCOMPARE(server().clientWindows().size(), 4);
+    QCOMPARE(server().clientWindows().size(), 1 + 4);
 }
 
 void TstWindows::eventsTellALife()
@@ -270,17 +252,15 @@ void TstWindows::eventsTellALife()
 
 void TstWindows::killedClientIsGoneAtOnce()
 {
-    Client survivor;
-    QVERIFY(survivor.shows(u"w"_qs, u"main"_qs, u"blue"_qs));
     Client client;
-    QVERIFY(client.shows(u"w"_qs, u"main"_qs));
+    QVERIFY(client.shows(u"w"_qs, u"main"_qs, u"blue"_qs));
     QVERIFY(client.shows(u"d"_qs, u"dialog"_qs));
     QVERIFY(client.does(u"menu w"_qs));
     QVERIFY(client.does(u"hide d"_qs));
     client.process().kill();
-    QTRY_COMPARE(server().clientWindows(), QList<QWSWindow *>{survivor.window(u"w"_qs)});
-    QCOMPARE(server().activeWindow(), survivor.window(u"w"_qs));
-    QTRY_COMPARE(pixel({100, 100}), QColor(Qt::blue));
+    QTRY_COMPARE(server().clientWindows(), QList<QWSWindow *>{m_client->window(u"w"_qs)});
+    QCOMPARE(server().activeWindow(), m_client->window(u"w"_qs));
+    QTRY_COMPARE(pixel({100, 100}), QColor(Qt::red));
 }
 
 int main(int argc, char **argv) { return runOnServer<TstWindows>(argc, argv); }
