@@ -60,7 +60,6 @@ public:
         }
         return m_seen.isEmpty() ? "nothing" : m_seen.takeFirst();
     }
-    void closeNow() { m_socket.reset(); }
 
 private:
     void read()

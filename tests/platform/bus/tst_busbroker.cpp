@@ -29,7 +29,6 @@ private Q_SLOTS:
     void farewellEndsEvenWhenItIsNotRead();
     void oneClientTooManyIsRefused();
     void channelsOfAClientAreLimited();
-    void leavingClientsAreForgotten();
     void endingBrokerWaitsForSlowReaders();
     void floodOfWarningsIsCut();
 
@@ -209,18 +208,6 @@ void TstBusBroker::channelsOfAClientAreLimited()
     greedy.open("one more");
     QCOMPARE(greedy.next(), "X too many channels, a client may have 1024");
     QCOMPARE(m_broker->registrations().size(), 1);
-}
-
-void TstBusBroker::leavingClientsAreForgotten()
-{
-    RawBusClient client(*m_broker);
-    QVERIFY(client.greet());
-    client.open("c");
-    QVERIFY(m_broker->isRegistered("c"));
-    QVERIFY(client.send("by", "last words"));
-    client.closeNow();
-    QCOMPARE(m_bystander->next(), "M last words");
-    QTRY_VERIFY(!m_broker->isRegistered("c"));
 }
 
 void TstBusBroker::endingBrokerWaitsForSlowReaders()

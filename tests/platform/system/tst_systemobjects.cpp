@@ -6,7 +6,6 @@
 
 #include <QFile>
 #include <QTest>
-#include <array>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -40,9 +39,7 @@ private Q_SLOTS:
     void aLockExcludesOthersUntilItIsReleased();
     void anEmptyFileIsAnEmptyMapping();
     void segmentsAreSharedAndOutliveTheAttachment();
-    void semaphoresRefuseInsteadOfWaiting();
     void messagesKeepTheirTypeOrderAndBytes();
-    void aFullQueueRefuses();
 };
 
 void TstSystemObjects::aDescriptorHasOneOwner()
@@ -108,22 +105,6 @@ void TstSystemObjects::segmentsAreSharedAndOutliveTheAttachment()
     QVERIFY(!ShmAttachment::attach(*id, ShmAttachment::Access::ReadOnly));
 }
 
-void TstSystemObjects::semaphoresRefuseInsteadOfWaiting()
-{
-    const auto set = SemaphoreSet::open({IPC_PRIVATE, 0600}, 2);
-    QVERIFY(set.has_value());
-    QVERIFY(set->setValue(1, 1).has_value());
-    std::array down{sembuf{1, -1, IPC_NOWAIT | SEM_UNDO}};
-    const int taken = inChild([&] { return set->apply(down) ? 0 : 1; });
-    QCOMPARE(taken, 0);
-    QCOMPARE(*set->value(1), 1); // what a dead process took comes back
-    QVERIFY(set->apply(down).has_value());
-    QCOMPARE(set->apply(down).error().number, EAGAIN);
-    QCOMPARE(*set->lastProcess(1), ::getpid());
-    QVERIFY(set->remove().has_value());
-    QVERIFY(!set->value(0));
-}
-
 void TstSystemObjects::messagesKeepTheirTypeOrderAndBytes()
 {
     const auto queue = MessageQueue::open({IPC_PRIVATE, 0600});
@@ -138,18 +119,6 @@ void TstSystemObjects::messagesKeepTheirTypeOrderAndBytes()
     QCOMPARE(first->bytes.size(), 5U);
     QCOMPARE(char(first->bytes[4]), 't');
     QVERIFY(queue->receive(16)->bytes.empty());
-    QVERIFY(queue->remove().has_value());
-}
-
-void TstSystemObjects::aFullQueueRefuses()
-{
-    const auto queue = MessageQueue::open({IPC_PRIVATE, 0600});
-    const std::array<std::byte, 1000> block{};
-    Result<> sent;
-    for (int i = 0; sent && i < 100'000; ++i)
-        sent = queue->send(1, block);
-    QVERIFY(!sent);
-    QCOMPARE(sent.error().number, EAGAIN);
     QVERIFY(queue->remove().has_value());
 }
 

@@ -57,23 +57,22 @@ void TstInput::keysArriveWhole_data()
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<QString>("seen"); // key, text in hexadecimal UTF-8, modifiers
-    const auto seen = [](int key, const char *text, int modifiers = 0) {
-        return QStringLiteral("%1 %2 %3 0").arg(key).arg(QLatin1String(text)).arg(modifiers);
+    const auto row = [](const char *name, int unicode, int key, const char *text, int modifiers = 0) {
+        const int keySeen = key == 0 ? int(Qt::Key_Q) : key; // it is found for a character alone
+        QTest::newRow(name) << unicode << key << modifiers
+                            << QStringLiteral("%1 %2 %3 0").arg(keySeen).arg(QLatin1String(text)).arg(modifiers);
     };
-    QTest::newRow("hard key") << 0 << int(Qt::Key_F20) << 0 << seen(Qt::Key_F20, "");
-    QTest::newRow("no unicode, said by drivers as FFFF") << 0xFFFF << int(Qt::Key_F14) << 0 << seen(Qt::Key_F14, "");
-    QTest::newRow("enter") << 0 << int(Qt::Key_Enter) << 0 << seen(Qt::Key_Enter, "0d");
-    QTest::newRow("letter by its code") << 0 << int(Qt::Key_A) << 0 << seen(Qt::Key_A, "61");
-    QTest::newRow("with shift") << 0 << int(Qt::Key_A) << int(Qt::ShiftModifier)
-                                << seen(Qt::Key_A, "41", Qt::ShiftModifier);
-    QTest::newRow("with control, no letter")
-        << 0 << int(Qt::Key_A) << int(Qt::ControlModifier) << seen(Qt::Key_A, "01", Qt::ControlModifier);
-    QTest::newRow("Chinese") << 0x4E2D << int(Qt::Key_unknown) << 0 << seen(Qt::Key_unknown, "e4b8ad");
-    QTest::newRow("outside the first plane")
-        << 0x1F600 << int(Qt::Key_unknown) << 0 << seen(Qt::Key_unknown, "f09f9880");
-    QTest::newRow("character alone") << int(u'q') << 0 << 0 << seen(Qt::Key_Q, "71");
-    QTest::newRow("half a surrogate types nothing") << 0xD800 << int(Qt::Key_F6) << 0 << seen(Qt::Key_F6, "");
-    QTest::newRow("beyond Unicode") << 0x7FFFFFFF << int(Qt::Key_F7) << 0 << seen(Qt::Key_F7, "");
+    row("hard key", 0, Qt::Key_F20, "");
+    row("no unicode, said by drivers as FFFF", 0xFFFF, Qt::Key_F14, "");
+    row("enter", 0, Qt::Key_Enter, "0d");
+    row("letter by its code", 0, Qt::Key_A, "61");
+    row("with shift", 0, Qt::Key_A, "41", Qt::ShiftModifier);
+    row("with control, no letter", 0, Qt::Key_A, "01", Qt::ControlModifier);
+    row("Chinese", 0x4E2D, Qt::Key_unknown, "e4b8ad");
+    row("outside the first plane", 0x1F600, Qt::Key_unknown, "f09f9880");
+    row("character alone", u'q', 0, "71");
+    row("half a surrogate types nothing", 0xD800, Qt::Key_F6, "");
+    row("beyond Unicode", 0x7FFFFFFF, Qt::Key_F7, "");
 }
 
 void TstInput::keysArriveWhole()
