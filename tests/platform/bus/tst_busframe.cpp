@@ -59,10 +59,10 @@ void TstBusFrame::writtenBytes_data()
     row("message", made(putMessage, Message{"ab", "m()", hex("0001")}), "0000000d 4d 02 6162 00000003 6d2829 0001");
     row("query", made(putQuery, Query{7, "a"}), "00000006 51 00000007 61");
     row("answer", made(putAnswer, Answer{7, true}), "00000006 41 00000007 01");
-    row("list", made(putToken, FrameType::List, 7), "00000005 4c 00000007");
+    row("list", made(putToken, FrameType::List, 7U), "00000005 4c 00000007");
     row("entry", made(putEntry, Entry{7, 258, "a"}), "0000000a 45 00000007 00000102 61");
     row("observe", made(putObserve), "00000001 4f");
-    row("seen", made(putSeen, 258, hex("01 61 00000001 6d")), "0000000c 53 00000102 01 61 00000001 6d");
+    row("seen", made(putSeen, 258U, hex("01 61 00000001 6d")), "0000000c 53 00000102 01 61 00000001 6d");
     row("goodbye", made(putGoodbye, "why"), "00000004 58 776879");
 }
 
@@ -121,7 +121,7 @@ void TstBusFrame::largestMessageFitsForObserversToo()
     QVERIFY(fitsFrame({"c", "m", data}));
     QVERIFY(!fitsFrame({"c", "mm", data}));
     const QByteArray message = made(putMessage, Message{"c", "m", data});
-    QCOMPARE(cutFrame(made(putSeen, 1, cutFrame(message).frame.payload)).state, Cut::Whole);
+    QCOMPARE(cutFrame(made(putSeen, 1U, cutFrame(message).frame.payload)).state, Cut::Whole);
 }
 
 void TstBusFrame::farewellFollowsTheHalfWrittenFrame()
