@@ -22,6 +22,13 @@ public:
     StandardError(const StandardError &) = delete;
     StandardError &operator=(const StandardError &) = delete;
 
+    // What is said while `action` runs.
+    static QByteArray during(const auto &action)
+    {
+        const StandardError error;
+        action();
+        return text();
+    }
     static QByteArray text() { return content(QString::fromLatin1(kPath)); }
 
 private:

@@ -1,8 +1,7 @@
 // The real program on real files: `tyx config`.
-#include "tests/support/testfiles.h"
+#include "tests/support/tyxtool.h"
 
 #include <QDir>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <cstdlib>
 #include <fcntl.h>
@@ -15,12 +14,13 @@ namespace {
 
 const QString kFile = QStringLiteral("t.cfg");
 
-const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
-
-Outcome tyx(const QStringList &arguments) { return run(kTyx, QStringList{u"config"_s} + arguments); }
+const TyxCommand tyx{u"config"_s};
 
 // A command line of the shell, which can say what QProcess cannot; $tyx is the program.
-Outcome shell(const QString &command) { return run(u"sh"_s, {u"-c"_s, u"tyx="_s + kTyx + u"; "_s + command}); }
+Outcome shell(const QString &command)
+{
+    return run(u"sh"_s, {u"-c"_s, u"tyx=" TYX_BINARY_DIR "/bin/tyx; "_s + command});
+}
 
 }
 
@@ -34,12 +34,10 @@ private Q_SLOTS:
     void changes();
     void checks_data();
     void checks();
-    void otherBytesThanTextAreRefused_data();
     void otherBytesThanTextAreRefused();
     void printsJson();
     void aTerminalSeesNoControlCharacters();
     void lostOutputIsAFailure();
-    void unreadableFilesFail_data();
     void unreadableFilesFail();
     void aSaveThatDidNotHappenIsNoticed();
     void whoHoldsTheTemporaryIsNamed();
@@ -50,20 +48,20 @@ void TstTyxConfig::answers_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
     QTest::addColumn<QByteArray>("out");
-    const auto row = [](const char *name, const QStringList &arguments, int status, const char *out) {
-        QTest::newRow(name) << arguments << status << QByteArray(out);
+    const auto row = [](const char *line, int status, const char *out) {
+        QTest::newRow(line) << words(line) << status << QByteArray(out);
     };
-    row("a value", {u"get"_s, kFile, u"A"_s, u"k"_s}, 0, "a value\n");
-    row("an empty value", {u"get"_s, kFile, u"A"_s, u"empty"_s, u"--default"_s, u"d"_s}, 0, "\n");
-    row("no key", {u"get"_s, kFile, u"A"_s, u"none"_s}, 1, "");
-    row("no group", {u"get"_s, kFile, u"none"_s, u"k"_s}, 1, "");
-    row("a default", {u"get"_s, kFile, u"A"_s, u"none"_s, u"--default"_s, u"d"_s}, 0, "d\n");
-    row("a default of no file", {u"get"_s, u"none.cfg"_s, u"A"_s, u"none"_s, u"--default"_s, u"d"_s}, 0, "d\n");
-    row("everything", {u"list"_s, kFile}, 0, "[A]\nempty = \nk = a value\n[B]\n");
-    row("a group", {u"list"_s, kFile, u"B"_s}, 0, "[B]\n");
-    row("a group that is not there", {u"list"_s, kFile, u"C"_s}, 1, "");
-    row("no key named", {u"get"_s, kFile, u"A"_s}, 2, "");
-    row("no such action", {u"frobnicate"_s}, 2, "");
+    row("get t.cfg A k", 0, "a value\n");
+    row("get t.cfg A empty --default d", 0, "\n");
+    row("get t.cfg A none", 1, "");
+    row("get t.cfg none k", 1, "");
+    row("get t.cfg A none --default d", 0, "d\n");
+    row("get none.cfg A none --default d", 0, "d\n");
+    row("list t.cfg", 0, "[A]\nempty = \nk = a value\n[B]\n");
+    row("list t.cfg B", 0, "[B]\n");
+    row("list t.cfg C", 1, "");
+    row("get t.cfg A", 2, "");
+    row("frobnicate", 2, "");
 }
 
 void TstTyxConfig::answers()
@@ -149,45 +147,34 @@ void TstTyxConfig::checks()
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, remark);
     fill(kFile, bytes);
-    const Outcome outcome = tyx({u"check"_s, kFile});
+    const Outcome outcome = tyx("check t.cfg");
     QTEST(outcome.status, "status");
     QVERIFY2(outcome.out.startsWith(remark), outcome.out.constData());
     QCOMPARE(outcome.out.isEmpty(), remark.isEmpty());
     QCOMPARE(content(kFile), bytes);
 }
 
-void TstTyxConfig::otherBytesThanTextAreRefused_data()
-{
-    QTest::addColumn<QString>("arguments");
-    QTest::newRow("file") << u"set $bytes.cfg G a 1"_s;
-    QTest::newRow("group") << u"remove t.cfg $bytes"_s;
-    QTest::newRow("key") << u"get t.cfg G $bytes"_s;
-    QTest::newRow("value") << u"set t.cfg G a $bytes"_s;
-    QTest::newRow("default") << u"get t.cfg G none --default $bytes"_s;
-}
-
 void TstTyxConfig::otherBytesThanTextAreRefused()
 {
-    QFETCH(QString, arguments);
     fill(kFile, "[G]\na=1\n");
     const QStringList before = QDir().entryList();
-    const Outcome outcome = shell(uR"(bytes=$(printf 't\374'); $tyx config )"_s + arguments);
-    QCOMPARE(outcome.status, 2);
-    QVERIFY2(outcome.err.endsWith("is not UTF-8\n"), outcome.err.constData());
-    QCOMPARE(content(kFile), QByteArray("[G]\na=1\n"));
-    QCOMPARE(QDir().entryList(), before);
+    for (const QString &arguments : {u"set $bytes.cfg G a 1"_s, u"remove t.cfg $bytes"_s, u"get t.cfg G $bytes"_s,
+             u"set t.cfg G a $bytes"_s, u"get t.cfg G none --default $bytes"_s}) {
+        const Outcome outcome = shell(uR"(bytes=$(printf 't\374'); $tyx config )"_s + arguments);
+        QCOMPARE(outcome.status, 2);
+        QVERIFY2(outcome.err.endsWith("is not UTF-8\n"), outcome.err.constData());
+        QCOMPARE(content(kFile), QByteArray("[G]\na=1\n"));
+        QCOMPARE(QDir().entryList(), before);
+    }
 }
 
 void TstTyxConfig::printsJson()
 {
     fill(kFile, "[G]\na=\"x\"\n[H]\nstray\n");
-    const auto json = [](const QStringList &arguments) {
-        return QJsonDocument::fromJson(tyx(arguments + QStringList{u"--json"_s}).out);
-    };
-    QCOMPARE(json({u"get"_s, kFile, u"G"_s, u"a"_s})[u"value"].toString(), u"\"x\""_s);
-    QCOMPARE(json({u"list"_s, kFile})[u"G"][u"a"].toString(), u"\"x\""_s);
-    QCOMPARE(json({u"list"_s, kFile}).object().keys(), QStringList({u"G"_s, u"H"_s}));
-    QCOMPARE(json({u"check"_s, kFile})[0][u"line"].toInt(), 4);
+    QCOMPARE(tyx.json("get t.cfg G a")[u"value"].toString(), u"\"x\""_s);
+    const QJsonObject groups = tyx.json("list t.cfg").object();
+    QCOMPARE(groups, (QJsonObject{{u"G"_s, QJsonObject{{u"a"_s, u"\"x\""_s}}}, {u"H"_s, QJsonObject()}}));
+    QCOMPARE(tyx.json("check t.cfg")[0][u"line"].toInt(), 4);
 }
 
 void TstTyxConfig::aTerminalSeesNoControlCharacters()
@@ -215,35 +202,25 @@ void TstTyxConfig::lostOutputIsAFailure()
     }
 }
 
-void TstTyxConfig::unreadableFilesFail_data()
-{
-    QTest::addColumn<QStringList>("arguments"); // FILE is the second
-    QTest::addColumn<QByteArray>("cure");
-    QTest::newRow("missing") << QStringList{u"list"_s, u"none.cfg"_s} << QByteArray("check the name");
-    QTest::newRow("a directory") << QStringList{u"check"_s, u"/tmp"_s} << QByteArray("name a regular file");
-    QTest::newRow("a FIFO") << QStringList{u"get"_s, u"/dev/keypad0"_s, u"G"_s, u"k"_s}
-                            << QByteArray("name a regular file");
-    QTest::newRow("no target") << QStringList{u"set"_s, u"/tmp"_s, u"G"_s, u"k"_s, u"v"_s}
-                               << QByteArray("name a regular file");
-}
-
 void TstTyxConfig::unreadableFilesFail()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(QByteArray, cure);
-    const Outcome outcome = tyx(arguments);
-    QCOMPARE(outcome.status, 3);
-    const QByteArray place = "tyx: " + arguments[1].toUtf8() + ": open: ";
-    QVERIFY2(outcome.err.startsWith(place) && outcome.err.contains(cure), outcome.err.constData());
+    const std::pair<const char *, const char *> rows[] = {{"list none.cfg", "check the name"},
+        {"check /tmp", "name a regular file"}, {"get /dev/keypad0 G k", "name a regular file"},
+        {"set /tmp G k v", "name a regular file"}};
+    for (const auto &[line, cure] : rows) {
+        const Outcome outcome = tyx(line);
+        QCOMPARE(outcome.status, 3);
+        const QByteArray place = "tyx: " + words(line)[1].toUtf8() + ": open: ";
+        QVERIFY2(outcome.err.startsWith(place) && outcome.err.contains(cure), outcome.err.constData());
+    }
 }
 
 void TstTyxConfig::aSaveThatDidNotHappenIsNoticed()
 {
     QVERIFY(QDir().mkdir(kFile + u".new"));
     fill(kFile, "[G]\na=1\n");
-    QCOMPARE(tyx({u"set"_s, kFile, u"G"_s, u"a"_s, u"2"_s}).status, 3);
-    QCOMPARE(tyx({u"remove"_s, kFile, u"G"_s, u"a"_s}).status, 3);
-    QCOMPARE(tyx({u"remove"_s, kFile, u"G"_s}).status, 3);
+    for (const char *line : {"set t.cfg G a 2", "remove t.cfg G a", "remove t.cfg G"})
+        QCOMPARE(tyx(line).status, 3);
     QCOMPARE(content(kFile), QByteArray("[G]\na=1\n"));
     QVERIFY(QDir().rmdir(kFile + u".new"));
 }
@@ -254,11 +231,11 @@ void TstTyxConfig::whoHoldsTheTemporaryIsNamed()
     QFile held(kFile + u".new");
     QVERIFY(held.open(QIODevice::WriteOnly));
     QCOMPARE(::flock(held.handle(), LOCK_SH), 0);
-    const Outcome outcome = tyx({u"set"_s, kFile, u"G"_s, u"a"_s, u"2"_s});
+    const Outcome outcome = tyx("set t.cfg G a 2");
     QCOMPARE(outcome.status, 3);
     QVERIFY2(outcome.err.contains("another program holds t.cfg.new"), outcome.err.constData());
     QVERIFY(held.remove());
 }
 
-QTEST_APPLESS_MAIN(TstTyxConfig)
+QTEST_GUILESS_MAIN(TstTyxConfig)
 #include "tst_tyxconfig.moc"

@@ -1,8 +1,7 @@
 #include "platform/bus/busbroker.h"
-#include "tests/support/testfiles.h"
+#include "tests/support/tyxtool.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <sys/sem.h>
 #include <sys/shm.h>
@@ -23,13 +22,13 @@ private Q_SLOTS:
 
 namespace {
 
-const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
+const TyxCommand tyx{u"doctor"_s};
 
 constexpr char kKeyFile[] = "/tmp/key_testcommand";
 
 QJsonArray findings(int status)
 {
-    const Outcome outcome = run(kTyx, {u"doctor"_s, u"--json"_s});
+    const Outcome outcome = tyx("--json");
     if (outcome.status != status)
         qWarning("status %d: %s", outcome.status, QByteArray(outcome.out + outcome.err).constData());
     return outcome.status == status ? QJsonDocument::fromJson(outcome.out).array() : QJsonArray();
@@ -52,7 +51,7 @@ void TstTyxDoctor::findsNothingWrongOnAVirginPhone()
     QCOMPARE(about(all, u"/tmp/run/tyx-bus"_s)[u"state"], u"note"_s);
     QCOMPARE(about(all, u"/setup/"_s)[u"state"], u"ok"_s);
     QCOMPARE(about(all, u"/dev/keypad0"_s)[u"state"], u"ok"_s);
-    QCOMPARE(run(kTyx, {u"doctor"_s, u"now"_s}).status, 2);
+    QCOMPARE(tyx("now").status, 2);
 }
 
 void TstTyxDoctor::namesTheFaultAndTheCure_data()
@@ -108,11 +107,7 @@ void TstTyxDoctor::asksTheServer()
 {
     const auto broker = platform::BusBroker::listen();
     QVERIFY(broker);
-    QProcess tyx;
-    tyx.start(kTyx, {u"doctor"_s, u"--json"_s});
-    QVERIFY(QTest::qWaitFor([&] { return tyx.state() == QProcess::NotRunning; }, 20'000)); // the broker works meanwhile
-    QCOMPARE(tyx.exitCode(), 0);
-    const QJsonArray all = QJsonDocument::fromJson(tyx.readAllStandardOutput()).array();
+    const QJsonArray all = findings(0);
     QCOMPARE(about(all, u"/tmp/run/tyx-bus"_s)[u"text"], u"a bus without a GUI server; 0 programs have channels"_s);
 }
 

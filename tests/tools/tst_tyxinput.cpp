@@ -38,7 +38,6 @@ class TstTyxInput : public QObject {
 
 private Q_SLOTS:
     void withoutAPhoneItSaysSo();
-    void whatIsWrongIsNamed_data();
     void whatIsWrongIsNamed();
     void aReplayEndsLikeTheOriginal();
     void aPanelIsCalibrated();
@@ -57,27 +56,19 @@ void TstTyxInput::withoutAPhoneItSaysSo()
     QCOMPARE(tyx(u"touch show"_s).status, 0);
 }
 
-void TstTyxInput::whatIsWrongIsNamed_data()
-{
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QByteArray>("error");
-    QTest::newRow("key") << u"keys press nokey"_s << QByteArray("\"nokey\" is no key of this phone");
-    QTest::newRow("number") << u"keys press 0x1000"_s << QByteArray("\"0x1000\" is no key of this phone");
-    QTest::newRow("text") << u"keys type 12a"_s << QByteArray("the keypad has the digits, * and #");
-    QTest::newRow("flip") << u"keys flip ajar"_s << QByteArray("POSITION: ajar not in");
-    QTest::newRow("place") << u"touch tap 9000 20"_s << QByteArray("the panel does not reach 9000, 20");
-    QTest::newRow("half a place") << u"touch drag 1 2 3 4 5"_s << QByteArray("the last point lacks its second number");
-    QTest::newRow("line") << u"touch calibrate 1 2 1 4 20 20 219 299"_s
-                          << QByteArray("these points give no calibration");
-}
-
 void TstTyxInput::whatIsWrongIsNamed()
 {
-    QFETCH(QString, line);
-    QFETCH(QByteArray, error);
-    const Outcome outcome = tyx(line);
-    QCOMPARE(outcome.status, 2);
-    QVERIFY2(outcome.err.contains(error), outcome.err.constData());
+    const std::pair<QString, const char *> rows[] = {{u"keys press nokey"_s, "\"nokey\" is no key of this phone"},
+        {u"keys press 0x1000"_s, "\"0x1000\" is no key of this phone"},
+        {u"keys type 12a"_s, "the keypad has the digits, * and #"}, {u"keys flip ajar"_s, "POSITION: ajar not in"},
+        {u"touch tap 9000 20"_s, "the panel does not reach 9000, 20"},
+        {u"touch drag 1 2 3 4 5"_s, "the last point lacks its second number"},
+        {u"touch calibrate 1 2 1 4 20 20 219 299"_s, "these points give no calibration"}};
+    for (const auto &[line, error] : rows) {
+        const Outcome outcome = tyx(line);
+        QCOMPARE(outcome.status, 2);
+        QVERIFY2(outcome.err.contains(error), outcome.err.constData());
+    }
 }
 
 void TstTyxInput::aReplayEndsLikeTheOriginal()

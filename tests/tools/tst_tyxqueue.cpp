@@ -1,14 +1,11 @@
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/busbroker.h"
+#include "tests/support/tyxtool.h"
 
 #include <QCopChannel>
-#include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QSignalSpy>
-#include <QTest>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,31 +29,17 @@ private Q_SLOTS:
     void whatCannotBeUsedIsNamed();
 
 private:
-    struct Outcome {
-        int exit;
-        QByteArray out;
-        QByteArray err;
-    };
-    static Outcome run(const QStringList &arguments);
-
     std::unique_ptr<BusBroker> m_broker;
 };
 
 namespace {
 
-constexpr char kPath[] = "/tmp/qcop-msg-app";
+const TyxCommand tyx{u"queue"_s};
+
+const QString kFile = u"/tmp/qcop-msg-app"_s;
 const queue::Record kFirst{"TYX/Application/app", "first", QByteArray("\0\xFF", 2)};
 const queue::Record kSecond{"TYX/Application/app", "se\x1b", {}};
 const queue::Record kKnown{"TYX/Application/app", "openDoc(QString)", QByteArray("\0\0\0\2\0a", 6)};
-
-void put(const QByteArray &bytes)
-{
-    QFile file(QString::fromLatin1(kPath));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-bool isThere() { return ::access(kPath, F_OK) == 0; }
 
 }
 
@@ -65,36 +48,25 @@ void TstTyxQueue::init()
     auto broker = BusBroker::listen();
     QVERIFY(broker);
     m_broker = std::move(*broker);
-    put(queue::encode(kFirst) + queue::encode(kSecond));
+    fill(kFile, queue::encode(kFirst) + queue::encode(kSecond));
 }
 
 void TstTyxQueue::cleanup()
 {
     m_broker.reset();
-    ::unlink(kPath);
-    ::rmdir(kPath);
-}
-
-TstTyxQueue::Outcome TstTyxQueue::run(const QStringList &arguments)
-{
-    QProcess tyx;
-    tyx.start(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), QStringList{u"queue"_s} + arguments);
-    // The broker works from this event loop meanwhile.
-    if (!QTest::qWaitFor([&] { return tyx.state() == QProcess::NotRunning; }, 20'000))
-        return {-1, "(does not end)", {}};
-    return {tyx.exitCode(), tyx.readAllStandardOutput(), tyx.readAllStandardError()};
+    QFile::remove(kFile);
 }
 
 void TstTyxQueue::listTellsForWhomMessagesWait()
 {
     const timespec hourAgo{::time(nullptr) - 3600, 0};
     const timespec times[] = {hourAgo, hourAgo};
-    QCOMPARE(::utimensat(AT_FDCWD, kPath, times, 0), 0);
+    QCOMPARE(::utimensat(AT_FDCWD, "/tmp/qcop-msg-app", times, 0), 0);
     QCOMPARE(::mkdir("/tmp/qcop-msg-folder", 0700), 0);
-    const Outcome text = run({u"list"_s});
-    const QJsonArray array = QJsonDocument::fromJson(run({u"list"_s, u"--json"_s}).out).array();
+    const Outcome text = tyx("list");
+    const QJsonArray array = tyx.json("list").array();
     ::rmdir("/tmp/qcop-msg-folder");
-    QCOMPARE(text.exit, 0);
+    QCOMPARE(text.status, 0);
     QVERIFY2(text.out.startsWith("app  36"), text.out.constData());
     QVERIFY2(text.out.contains(" s  2 messages; the next sender discards them\nfolder  cannot be read: open: "),
         text.out.constData());
@@ -108,59 +80,59 @@ void TstTyxQueue::listTellsForWhomMessagesWait()
 
 void TstTyxQueue::showDecodesWhatWaits()
 {
-    put(queue::encode(kFirst) + queue::encode(kSecond) + queue::encode(kKnown) + "damage");
-    const Outcome text = run({u"show"_s, u"app"_s});
-    QCOMPARE(text.exit, 0);
+    fill(kFile, queue::encode(kFirst) + queue::encode(kSecond) + queue::encode(kKnown) + "damage");
+    const Outcome text = tyx("show app");
+    QCOMPARE(text.status, 0);
     QCOMPARE(text.out,
         "TYX/Application/app  first  2  00 ff\nTYX/Application/app  se?  0\n"
         "TYX/Application/app  openDoc(QString)  6  document=\"a\"\n");
     QCOMPARE(text.err, "tyx: /tmp/qcop-msg-app: damaged behind message 3, the rest will be dropped\n");
-    const QJsonArray array = QJsonDocument::fromJson(run({u"show"_s, u"app"_s, u"--json"_s}).out).array();
+    const QJsonArray array = tyx.json("show app").array();
     QCOMPARE(array.size(), 3);
     QCOMPARE(array[0][u"message"], u"first"_s);
     QCOMPARE(array[0][u"data"], u"00ff"_s);
     QCOMPARE(array[2][u"arguments"][0][u"value"], u"a"_s);
-    QVERIFY(isThere());
+    QVERIFY(QFile::exists(kFile));
 }
 
 void TstTyxQueue::dropRemovesTheFile()
 {
-    QCOMPARE(run({u"drop"_s, u"app"_s}).exit, 0);
-    QVERIFY(!isThere());
+    QCOMPARE(tyx("drop app").status, 0);
+    QVERIFY(!QFile::exists(kFile));
 }
 
 void TstTyxQueue::replaySendsToAnApplicationThatRuns()
 {
-    put(queue::encode(kFirst) + queue::encode(kSecond) + queue::encode(kKnown));
+    fill(kFile, queue::encode(kFirst) + queue::encode(kSecond) + queue::encode(kKnown));
     QCopChannel channel("TYX/Application/app");
     QCopChannel process("TYX/Application/" + QByteArray::number(QCoreApplication::applicationPid()));
     QSignalSpy received(&channel, &QCopChannel::received);
     QSignalSpy receivedByProcess(&process, &QCopChannel::received);
-    QCOMPARE(run({u"replay"_s, u"app"_s}).exit, 0);
+    QCOMPARE(tyx("replay app").status, 0);
     QTRY_COMPARE(receivedByProcess.size(), 1); // where it has its effect
     QCOMPARE(receivedByProcess[0][0].value<QCString>(), kKnown.message);
     QCOMPARE(received.size(), 2);
     QCOMPARE(received[0][0].value<QCString>(), kFirst.message);
     QCOMPARE(received[0][1].toByteArray(), kFirst.data);
     QCOMPARE(received[1][0].value<QCString>(), kSecond.message);
-    QVERIFY(!isThere());
+    QVERIFY(!QFile::exists(kFile));
 }
 
 void TstTyxQueue::replayLeavesTheMessagesOfAnApplicationThatDoesNotRun()
 {
-    QCOMPARE(run({u"replay"_s, u"app"_s}).exit, 1);
+    QCOMPARE(tyx("replay app").status, 1);
     m_broker.reset();
-    const Outcome withoutServer = run({u"replay"_s, u"app"_s});
-    QCOMPARE(withoutServer.exit, 1);
+    const Outcome withoutServer = tyx("replay app");
+    QCOMPARE(withoutServer.status, 1);
     QVERIFY(withoutServer.err.startsWith("tyx: app does not run, its messages stay in /tmp/qcop-msg-app;"));
-    QVERIFY(isThere());
+    QVERIFY(QFile::exists(kFile));
 }
 
 void TstTyxQueue::whatCannotBeUsedIsNamed_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("locked");
-    QTest::addColumn<int>("exit");
+    QTest::addColumn<int>("status");
     QTest::addColumn<QByteArray>("error");
     QTest::newRow("nothing waits") << u"other"_s << false << 1 << QByteArray("/tmp/qcop-msg-other: nothing waits");
     QTest::newRow("a path") << u"../etc/x"_s << false << 2 << QByteArray("\"../etc/x\" is no name");
@@ -176,13 +148,13 @@ void TstTyxQueue::whatCannotBeUsedIsNamed()
     ::mkdir("/tmp/qcop-msg-folder", 0700);
     const auto held = queue::LockedFile::forTaking(locked ? "app" : "none");
     for (const char *command : {"drop", "replay"}) {
-        const Outcome outcome = run({QString::fromLatin1(command), name});
-        QTEST(outcome.exit, "exit");
+        const Outcome outcome = tyx({QString::fromLatin1(command), name});
+        QTEST(outcome.status, "status");
         QVERIFY2(outcome.err.startsWith(QByteArray("tyx: " + error)), outcome.err.constData());
         QCOMPARE(outcome.err.count('\n'), 1);
     }
     ::rmdir("/tmp/qcop-msg-folder");
-    QVERIFY(isThere());
+    QVERIFY(QFile::exists(kFile));
 }
 
 QTEST_GUILESS_MAIN(TstTyxQueue)

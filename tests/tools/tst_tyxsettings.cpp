@@ -1,21 +1,18 @@
 // The real program on a phone's settings: `tyx settings`.
 #include "tests/support/peerprocess.h"
-#include "tests/support/testfiles.h"
+#include "tests/support/tyxtool.h"
 
 #include <QDir>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
+const TyxCommand settings{u"settings"_s};
 const QString kSystem = u"/setup/tyx_system.cfg"_s;
 const QString kCopy = u"/tmp/tyx_system.cfg"_s;
-
-Outcome settings(const QStringList &arguments) { return run(kTyx, QStringList{u"settings"_s} + arguments); }
 
 }
 
@@ -84,23 +81,22 @@ void TstTyxSettings::setsAndGets()
 
 void TstTyxSettings::namesWhatFails()
 {
-    for (const QStringList &arguments : QList<QStringList>{{u"get"_s, u"none"_s}, {u"set"_s, u"none"_s, u"1"_s},
-             {u"watch"_s, u"none"_s}, {u"describe"_s, u"none"_s}, {u"get"_s}, {}}) {
-        const Outcome outcome = settings(arguments);
+    for (const char *line : {"get none", "set none 1", "watch none", "describe none", "get", ""}) {
+        const Outcome outcome = settings(line);
         QCOMPARE(outcome.status, 2);
         QCOMPARE(outcome.err.count('\n'), 1);
     }
     QVERIFY(QDir().mkpath(kSystem));
-    const Outcome outcome = settings({u"set"_s, u"bluetooth"_s, u"on"_s});
+    const Outcome outcome = settings("set bluetooth on");
     QVERIFY(QDir().rmdir(kSystem));
     QCOMPARE(outcome.status, 3);
     QCOMPARE(outcome.err, "tyx: /setup/tyx_system.cfg: open: Is a directory; make it a file that can be read\n");
     QVERIFY(QDir().mkpath(kCopy + u".new"_s));
-    const Outcome halfSet = settings({u"set"_s, u"input-language"_s, u"7"_s});
+    const Outcome halfSet = settings("set input-language 7");
     QVERIFY(QDir().rmdir(kCopy + u".new"_s) && QFile::remove(kSystem));
     QCOMPARE(halfSet.status, 3);
     QVERIFY2(halfSet.err.startsWith("tyx: /tmp/tyx_system.cfg: could not be saved"), halfSet.err.constData());
-    const Outcome listed = settings({u"list"_s});
+    const Outcome listed = settings("list");
     QVERIFY(listed.out.contains("\nlock-code = ****\n") && listed.out.contains("\nbluetooth = off\n"));
 }
 
@@ -122,7 +118,7 @@ void TstTyxSettings::writesTheCopyAndTellsTheInputMethods()
     PeerProcess inputMethods(u"buspeer"_s);
     QCOMPARE(inputMethods.ask("host"), "hosting");
     QCOMPARE(inputMethods.ask("open TYX/IMServer"), "opened");
-    QCOMPARE(settings({u"set"_s, u"language"_s, u"de-de"_s}).status, 0);
+    QCOMPARE(settings("set language de-de").status, 0);
     QCOMPARE(inputMethods.line(),
         "got TYX/IMServer setInputMethodSettings(INPUT_SETTING_T) 0001010100000032010500010100000000");
     for (const QString &file : {kSystem, kCopy})
@@ -131,8 +127,8 @@ void TstTyxSettings::writesTheCopyAndTellsTheInputMethods()
 
 void TstTyxSettings::describesEverySettingAsTheDocumentDoes()
 {
-    const QJsonObject list = QJsonDocument::fromJson(settings({u"list"_s, u"--json"_s}).out).object();
-    const QJsonArray all = QJsonDocument::fromJson(settings({u"describe"_s, u"--json"_s}).out).array();
+    const QJsonObject list = settings.json("list").object();
+    const QJsonArray all = settings.json("describe").array();
     QCOMPARE(all.size(), list.size());
     for (const auto &each : all) {
         const QJsonObject row = each.toObject();
@@ -141,7 +137,7 @@ void TstTyxSettings::describesEverySettingAsTheDocumentDoes()
             !row[u"meaning"_s].toString().isEmpty() && row[u"file"_s].toString().endsWith(u".cfg"_s), qPrintable(name));
         QVERIFY2(list[name].isNull() || list[name] == row[u"default"_s], qPrintable(name)); // nothing is set
     }
-    const Outcome table = settings({u"describe"_s, u"--markdown"_s});
+    const Outcome table = settings("describe --markdown");
     QVERIFY2(content(QStringLiteral(TYX_SOURCE_DIR "/docs/settings.md")).contains(table.out),
         "docs/settings.md: replace its table by what `tyx settings describe --markdown` prints");
 }
@@ -149,13 +145,13 @@ void TstTyxSettings::describesEverySettingAsTheDocumentDoes()
 void TstTyxSettings::watches()
 {
     QProcess watching;
-    watching.start(kTyx, {u"settings"_s, u"watch"_s, u"--json"_s, u"--count"_s, u"2"_s});
+    settings.start(watching, words("watch --json --count 2"));
     QVERIFY(watching.waitForStarted());
     watching.setReadChannel(QProcess::StandardError);
     QVERIFY(watching.waitForReadyRead()); // it says that it watches
-    QCOMPARE(settings({u"set"_s, u"bluetooth"_s, u"on"_s}).status, 0);
+    QCOMPARE(settings("set bluetooth on").status, 0);
     watching.setReadChannel(QProcess::StandardOutput);
-    QVERIFY(watching.waitForReadyRead());
+    QVERIFY(watching.canReadLine() || watching.waitForReadyRead());
     QCOMPARE(watching.readLine(), "{\"name\":\"bluetooth\",\"value\":true}\n");
     fill(kCopy, "[SYS_SYSTEM_SET]\nSystemVolume = 2\n");
     QVERIFY(watching.waitForFinished());

@@ -1,12 +1,10 @@
 // tyx status, without a phone and on a whole one.
 #include "tests/support/peerprocess.h"
-#include "tests/support/testfiles.h"
+#include "tests/support/tyxtool.h"
 
 #include <QImage>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QTest>
 #include <SystemStatus>
 #include <ZConfig>
 #include <csignal>
@@ -23,7 +21,6 @@ private Q_SLOTS:
     void withoutATableTheCureIsNamed();
     void fieldsAreSetAndRead_data();
     void fieldsAreSetAndRead();
-    void wrongValuesAreRefused_data();
     void wrongValuesAreRefused();
     void everyFieldIsListed();
     void theDocumentShowsTheLayout();
@@ -33,35 +30,32 @@ private Q_SLOTS:
 
 namespace {
 
-const QString kTyx = QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
-
-Outcome status(const QStringList &arguments) { return run(kTyx, QStringList{u"status"_s} + arguments); }
+const TyxCommand status{u"status"_s};
 
 }
 
 void TstTyxStatus::withoutATableTheCureIsNamed()
 {
-    for (const QStringList &command :
-        {QStringList{u"list"_s}, {u"get"_s, u"pin"_s}, {u"set"_s, u"pin"_s, u"1"_s}, {u"dump"_s}}) {
-        const Outcome outcome = status(command);
+    for (const char *line : {"list", "get pin", "set pin 1", "dump"}) {
+        const Outcome outcome = status(line);
         QCOMPARE(outcome.status, 3);
         QCOMPARE(
             outcome.err, "tyx: there is no status table here; start tyx-guiserver, or make one with tyx status init\n");
     }
     QVERIFY(::symlink("/tmp/elsewhere", "/tmp/key_testcommand") == 0);
-    QVERIFY(status({u"init"_s}).err.startsWith("tyx: /tmp/key_testcommand: open: File exists; remove"));
+    QVERIFY(status("init").err.startsWith("tyx: /tmp/key_testcommand: open: File exists; remove"));
     QVERIFY(!QFile::exists(u"/tmp/elsewhere"_s));
     QVERIFY(QFile::remove(u"/tmp/key_testcommand"_s));
     ::umask(077);
     fill(u"/tmp/key_testcommand"_s, "");
     const int small = ::shmget(::ftok("/tmp/key_testcommand", 'm'), 100, IPC_CREAT | 0600);
-    for (const QStringList &command : {QStringList{u"get"_s, u"pin"_s}, {u"init"_s}}) {
-        const Outcome outcome = status(command);
+    for (const char *line : {"get pin", "init"}) {
+        const Outcome outcome = status(line);
         QCOMPARE(outcome.status, 3);
         QVERIFY2(outcome.err.contains("tyx doctor"), outcome.err.constData());
     }
     QVERIFY(::shmctl(small, IPC_RMID, nullptr) == 0 && QFile::remove(u"/tmp/key_testcommand"_s));
-    QCOMPARE(status({u"init"_s}).status, 0);
+    QCOMPARE(status("init").status, 0);
     QCOMPARE(modeOf(u"/tmp/key_testcommand"_s), mode_t(S_IFREG | 0666));
     QCOMPARE(UTIL_GetPowerOnMode(), 0xFF);
 }
@@ -92,41 +86,31 @@ void TstTyxStatus::fieldsAreSetAndRead()
     QCOMPARE(status({u"get"_s, field}).out, printed + '\n');
 }
 
-void TstTyxStatus::wrongValuesAreRefused_data()
-{
-    QTest::addColumn<QStringList>("command");
-    QTest::addColumn<QByteArray>("error");
-    const auto row = [](const char *name, const QStringList &command, const char *error) {
-        QTest::newRow(name) << command << QByteArray(error);
-    };
-    row("unknown field", {u"get"_s, u"nope"_s}, "there is no field \"nope\"; tyx status list names them");
-    row("unused bytes", {u"get"_s, u""_s}, "there is no field \"\"; tyx status list names them");
-    row("six bars", {u"set"_s, u"signal"_s, u"6"_s}, "signal takes a number from 0 to 5, not \"6\"");
-    row("negative", {u"set"_s, u"pin"_s, u"--"_s, u"-1"_s}, "pin takes a number from 0 to 255, not \"-1\"");
-    row("twice", {u"set"_s, u"pin"_s, u"0x0x5"_s}, "pin takes a number from 0 to 255, not \"0x0x5\"");
-    row("no number", {u"set"_s, u"pin"_s, u"x"_s}, "pin takes a number from 0 to 255, not \"x\"");
-    row("switch", {u"set"_s, u"charging"_s, u"2"_s}, "charging takes a number from 0 to 1, not \"2\"");
-    row("too few", {u"set"_s, u"key-sound"_s, u"1"_s},
-        "key-sound takes 2 numbers from 0 to 4294967295, separated by commas, not \"1\"");
-    row("too long", {u"set"_s, u"network-id"_s, u"1234567890123456"_s},
-        "network-id takes a text of at most 15 bytes, not \"1234567890123456\"");
-}
-
 void TstTyxStatus::wrongValuesAreRefused()
 {
-    QFETCH(QStringList, command);
-    QFETCH(QByteArray, error);
-    const Outcome outcome = status(command);
-    QCOMPARE(outcome.err, "tyx: " + error + '\n');
-    QCOMPARE(outcome.status, 2);
+    const std::pair<const char *, const char *> rows[] = {
+        {"get nope", "there is no field \"nope\"; tyx status list names them"},
+        {"set signal 6", "signal takes a number from 0 to 5, not \"6\""},
+        {"set pin -- -1", "pin takes a number from 0 to 255, not \"-1\""},
+        {"set pin 0x0x5", "pin takes a number from 0 to 255, not \"0x0x5\""},
+        {"set charging 2", "charging takes a number from 0 to 1, not \"2\""},
+        {"set key-sound 1", "key-sound takes 2 numbers from 0 to 4294967295, separated by commas, not \"1\""},
+        {"set network-id 1234567890123456", "network-id takes a text of at most 15 bytes, not \"1234567890123456\""}};
+    for (const auto &[line, error] : rows) {
+        const Outcome outcome = status(line);
+        QCOMPARE(outcome.err, "tyx: " + QByteArray(error) + '\n');
+        QCOMPARE(outcome.status, 2);
+    }
+    const Outcome unused = status({u"get"_s, u""_s}); // as unused bytes are named in the layout
+    QCOMPARE(unused.err, "tyx: there is no field \"\"; tyx status list names them\n");
 }
 
 void TstTyxStatus::everyFieldIsListed()
 {
     UTIL_SetSignalQuality(3);
-    const QJsonArray fields = QJsonDocument::fromJson(status({u"list"_s, u"--json"_s}).out).array();
-    const QByteArray text = status({u"list"_s}).out;
-    const QByteArray dump = status({u"dump"_s}).out;
+    const QJsonArray fields = status.json("list").array();
+    const QByteArray text = status("list").out;
+    const QByteArray dump = status("dump").out;
     QCOMPARE(text.count('\n'), fields.size());
     int bytes = 0;
     for (const QByteArray &line : dump.split('\n'))
@@ -148,13 +132,13 @@ void TstTyxStatus::everyFieldIsListed()
 void TstTyxStatus::theDocumentShowsTheLayout()
 {
     const QByteArray document = content(QStringLiteral(TYX_SOURCE_DIR "/docs/status.md"));
-    QVERIFY(document.contains(status({u"list"_s, u"--markdown"_s}).out)); // otherwise put it there
+    QVERIFY(document.contains(status("list --markdown").out)); // otherwise put it there
 }
 
 void TstTyxStatus::changesArePrintedAsTheyHappen()
 {
     QProcess watch;
-    watch.start(kTyx, {u"status"_s, u"watch"_s, u"--count"_s, u"3"_s, u"country"_s, u"spn-name"_s});
+    status.start(watch, words("watch --count 3 country spn-name"));
     QVERIFY(watch.waitForStarted());
     // It watches when the first of these comes through.
     for (quint32 country = 1; watch.bytesAvailable() == 0; ++country) {
@@ -192,7 +176,7 @@ void TstTyxStatus::theServerOwnsTheTables()
     void *applicationManager = UTIL_GetApplicationManagerTableAddress();
     QVERIFY(applicationManager);
     const auto bar = [] {
-        run(kTyx, {u"screen"_s, u"shot"_s, u"/tmp/shot.png"_s});
+        TyxCommand{u"screen"_s}("shot /tmp/shot.png");
         return QImage(u"/tmp/shot.png"_s).copy(0, 0, 190, 20); // without the clock
     };
     const QImage before = bar();
@@ -208,7 +192,7 @@ void TstTyxStatus::theServerOwnsTheTables()
     ::kill(pid_t(server.pid()), SIGTERM);
     QVERIFY(server.waitForEnd());
     QVERIFY(!UTIL_GetTableAddress());
-    QCOMPARE(status({u"get"_s, u"pin"_s}).status, 3);
+    QCOMPARE(status("get pin").status, 3);
 }
 
 QTEST_GUILESS_MAIN(TstTyxStatus)
