@@ -5,7 +5,6 @@
 #include "tests/support/testfiles.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QSet>
 #include <QTime>
 #include <functional>
@@ -26,15 +25,19 @@ const QString kTmpAlert = u"/tmp/tyx_alertstyle.cfg"_s;
 const QString kTmpDial = u"/tmp/tyx_fixeddial.cfg"_s;
 const QString kFlex = u"/usr/setup/tyx_flexbit.cfg"_s;
 
+const QStringList kAllFiles{kSystem, kTheme, kAlert, kSms, kBrowser, kTmpSystem, kTmpTheme, kTmpAlert, kTmpDial, kFlex};
+
 // A setting as another program sees it: the files that a set writes, the file that a get reads, group and key.
-struct Known {
-    const char *key;
-    QStringList written; // none: there is no set
-    QString read; // null: there is no get
+struct In {
+    QStringList written;
+    QString read;
     QString group;
+};
+struct Known : In {
+    const char *key;
     QString absent; // the default, as text
     QString sample;
-    std::function<QString()> get;
+    std::function<QString()> get; // none, and the next: there is no such accessor
     std::function<bool()> set; // the sample
 };
 
@@ -45,20 +48,14 @@ template <typename T> QString asText(const T &value)
     else
         return QString::number(static_cast<qint64>(value));
 }
-template <typename T, typename... Argument>
-std::function<QString()> get(bool (*getter)(Argument..., T &), Argument... argument)
+template <typename T> std::function<QString()> get(const std::function<bool(T &)> &getter)
 {
     return [=] {
         T value{};
-        return getter(argument..., value) ? asText(value) : u"(false)"_s;
+        return getter(value) ? asText(value) : u"(false)"_s;
     };
 }
 
-struct In {
-    QStringList written;
-    QString read;
-    QString group;
-};
 const In kSystemSet{{kSystem}, kSystem, u"SYS_SYSTEM_SET"_s};
 const In kWorking{{kSystem, kTmpSystem}, kTmpSystem, u"SYS_SYSTEM_SET"_s};
 const In kPower{{kSystem}, kSystem, u"SYS_POWER_MANAGEMENT"_s};
@@ -89,19 +86,13 @@ public:
     void chosen(const In &in, const char *key, T absent, T sample, Choice choice,
         std::type_identity_t<bool (*)(Choice, T &)> getter, std::type_identity_t<bool (*)(Choice, T)> setter)
     {
-        push(
-            in, key, asText(absent), asText(sample),
-            [=] {
-                T value{};
-                return getter(choice, value) ? asText(value) : u"(false)"_s;
-            },
+        push(in, key, asText(absent), asText(sample), get<T>([=](T &value) { return getter(choice, value); }),
             setter ? std::function([=] { return setter(choice, sample); }) : nullptr);
     }
     void push(const In &in, const char *key, const QString &absent, const QString &sample,
         std::function<QString()> getter, std::function<bool()> setter)
     {
-        rows.append({key, setter ? in.written : QStringList(), getter ? in.read : QString(), in.group, absent, sample,
-            std::move(getter), std::move(setter)});
+        rows.append({in, key, absent, sample, std::move(getter), std::move(setter)});
     }
 };
 
@@ -205,8 +196,7 @@ QString stored(const QString &file, const QString &group, const char *key)
 // Forgets everything that was set.
 void forget()
 {
-    for (const QString &file :
-        {kSystem, kTheme, kAlert, kSms, kBrowser, kTmpSystem, kTmpTheme, kTmpAlert, kTmpDial, kFlex})
+    for (const QString &file : kAllFiles)
         QFile::remove(file);
 }
 
@@ -230,8 +220,7 @@ QString wrongAtSet(const Known &known)
     fill(known.written.first(), "[G]\nk = v\n");
     if (!known.set())
         return u"cannot be set"_s;
-    for (const QString &file :
-        {kSystem, kTheme, kAlert, kSms, kBrowser, kTmpSystem, kTmpTheme, kTmpAlert, kTmpDial, kFlex}) {
+    for (const QString &file : kAllFiles) {
         const bool isHere = stored(file, known.group, known.key) == known.sample;
         if (isHere != known.written.contains(file))
             return (isHere ? u"also in "_s : u"not in "_s) + file;
@@ -249,7 +238,6 @@ class TstSettingAccessors : public QObject {
 private Q_SLOTS:
     void init() { forget(); }
     void eachAccessorMeansItsPlace();
-    void everyOperationIsThere();
     void theTableHasEachKeyOnce();
 };
 
@@ -267,23 +255,6 @@ void TstSettingAccessors::eachAccessorMeansItsPlace()
         }
     }
     QCOMPARE(wrong, QStringList());
-}
-
-// The operations that programs were promised; what else the header may hold is noticed too.
-void TstSettingAccessors::everyOperationIsThere()
-{
-    const QStringList promised =
-        QString::fromLatin1(content(QStringLiteral(TYX_SOURCE_DIR "/tests/settings/files/operations.txt")))
-            .split(QRegularExpression(u"\\s+"_s), Qt::SkipEmptyParts);
-    QStringList declared;
-    static const QRegularExpression declaration(u"^ +static \\w+ (\\w+)\\("_s, QRegularExpression::MultilineOption);
-    const QString header = QString::fromUtf8(content(QStringLiteral(TYX_SOURCE_DIR "/settings/files/setup_utility.h")));
-    for (const auto &match : declaration.globalMatch(header))
-        declared += match.captured(1);
-    QCOMPARE(promised.size(), 133);
-    const QSet<QString> all(declared.cbegin(), declared.cend());
-    QCOMPARE(all, QSet<QString>(promised.cbegin(), promised.cend()));
-    QCOMPARE(declared.size(), promised.size() + 1); // getLcdSleepTime() has two forms
 }
 
 void TstSettingAccessors::theTableHasEachKeyOnce()

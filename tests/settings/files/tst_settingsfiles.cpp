@@ -274,6 +274,9 @@ void TstSettingsFiles::defaultsFollowTheLanguageDirectory()
         QCOMPARE(S::defaultSoundDir(), u"/lang/ringtone/"_s);
         QCOMPARE(S::getPreloadAppsPath(), u"/lang/preloadapps/"_s);
         QVERIFY(S::defaultPictureFile().startsWith(S::defaultPictureDir()));
+        QVERIFY(S::defaultSoundFile().startsWith(S::defaultSoundDir()));
+        QVERIFY(S::defaultPowerOnFile().startsWith(S::defaultAniDir()));
+        QVERIFY(S::defaultPowerOffFile().startsWith(S::defaultAniDir()));
     }
     qunsetenv("TYX_LANG");
     QCOMPARE(S::defaultAniDir(), u"animation/"_s);
