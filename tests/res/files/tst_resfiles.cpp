@@ -19,14 +19,6 @@ namespace {
 
 const QString kFile = QStringLiteral("/tmp/t.tyx");
 
-// What is printed on standard error while `action` runs.
-QByteArray printed(const auto &action)
-{
-    const StandardError error;
-    action();
-    return StandardError::text();
-}
-
 QByteArray encoded(const QSize &size, const char *format)
 {
     QImage image(size, QImage::Format_RGB32);
@@ -113,7 +105,7 @@ template <typename Writer> void writesAsItShould()
     Writer writer(kFile);
     const int modulo = int(qstrlen(UTIL_ResFile::headerText) % 4);
     writer.add(QString(6 - modulo, u'x'), "1"); // with its line end 3 more than a multiple of 4
-    QCOMPARE(printed([&] { QVERIFY(writer.write()); }), QByteArray("aligning start block\n"));
+    QCOMPARE(StandardError::during([&] { QVERIFY(writer.write()); }), QByteArray("aligning start block\n"));
     const QByteArray before = content(kFile);
     QCOMPARE(modeOf(kFile), mode_t(S_IFREG | 0644));
 
@@ -122,12 +114,12 @@ template <typename Writer> void writesAsItShould()
     writer.add(QString(7 - modulo, u'x'), "2");
     QVERIFY(QDir().mkdir(kFile + u".new"));
     QString error;
-    QCOMPARE(printed([&] { QVERIFY(writer.write()); }), QByteArray());
+    QCOMPARE(StandardError::during([&] { QVERIFY(writer.write()); }), QByteArray());
     QVERIFY(!writer.save(&error));
     QCOMPARE(error, u"open: Is a directory"_s);
     QCOMPARE(content(kFile), before);
     QVERIFY(QDir().rmdir(kFile + u".new"));
-    QCOMPARE(printed([&] { QVERIFY(writer.save(&error)); }), QByteArray());
+    QCOMPARE(StandardError::during([&] { QVERIFY(writer.save(&error)); }), QByteArray());
     QVERIFY(error.isNull());
     QVERIFY(content(kFile) != before);
 
@@ -146,7 +138,6 @@ private Q_SLOTS:
     void bothFamiliesAnswer();
     void bothFamiliesWrite();
     void aFullDiskKeepsTheOldFile();
-    void namesThatAreNoFiles_data();
     void namesThatAreNoFiles();
     void firstAndLaterAnswersAgree_data();
     void firstAndLaterAnswersAgree();
@@ -187,30 +178,21 @@ void TstResFiles::aFullDiskKeepsTheOldFile() // /tmp has 1 MiB
     QVERIFY(!QFile::exists(kFile + u".new"));
 }
 
-void TstResFiles::namesThatAreNoFiles_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("a folder") << u"/tmp"_s;
-    QTest::newRow("a FIFO") << u"/dev/keypad0"_s;
-    QTest::newRow("a NUL") << kFile + QChar::Null + u'x';
-    QTest::newRow("an empty file") << u"/tmp/empty"_s;
-    QTest::newRow("another file") << QStringLiteral(TYX_SOURCE_DIR "/README.md");
-}
-
 void TstResFiles::namesThatAreNoFiles()
 {
-    QFETCH(QString, name);
     fill(u"/tmp/empty"_s, "");
-    QCOMPARE(printed([&] {
-        ZResFileReader reader(name);
-        QVERIFY(!reader.load());
-        QVERIFY(!reader.exists(u"a"_s));
-        QVERIFY(!reader.exists(QString()));
-        QCOMPARE(dataOf(reader, u"a"_s), QByteArray("(none)"));
-        QVERIFY(reader.getFirstID().isNull() && reader.getID(0).isNull());
-    }),
-        QByteArray());
+    const QByteArray printed = StandardError::during([] {
+        for (const QString &name : QStringList{QString(), u"/tmp"_s, u"/dev/keypad0"_s, kFile + QChar::Null + u'x',
+                 u"/tmp/empty"_s, QStringLiteral(TYX_SOURCE_DIR "/README.md")}) {
+            ZResFileReader reader(name);
+            QVERIFY2(!reader.load(), qPrintable(name));
+            QVERIFY(!reader.exists(u"a"_s));
+            QVERIFY(!reader.exists(QString()));
+            QCOMPARE(dataOf(reader, u"a"_s), QByteArray("(none)"));
+            QVERIFY(reader.getFirstID().isNull() && reader.getID(0).isNull());
+        }
+    });
+    QCOMPARE(printed, "");
 }
 
 void TstResFiles::firstAndLaterAnswersAgree_data()

@@ -24,11 +24,7 @@ void TstSkinFileWriter::writesRectanglesAndImage()
     writer.add(u"b.g"_s, QRect(QPoint(1, 2), QPoint(3, 5)));
     writer.add(u"a.g"_s, QRect(9, 9, 9, 9));
     writer.add(u"a.g"_s, QRect(0, 0, 7, 8)); // in place of the one before
-    {
-        const StandardError error;
-        QVERIFY(writer.write());
-        QVERIFY(StandardError::text().startsWith("Total account is 3\n"));
-    }
+    QVERIFY(StandardError::during([&] { QVERIFY(writer.write()); }).startsWith("Total account is 3\n"));
     const auto file = res::MappedFile::open(u"/tmp/t.skn"_s, res::Version::Skin);
     QVERIFY(file);
     QVERIFY(content(u"/tmp/t.skn"_s).startsWith(QByteArray(UTIL_SkinFile::headerText).first(16)));
@@ -79,12 +75,8 @@ void TstSkinFileWriter::failuresAreTold()
     UTIL_SkinFileWriter writer;
     writer.init(file, image);
     writer.add(u"a.g"_s, QRect(0, 0, 1, 1));
-    {
-        const StandardError error;
-        QVERIFY(writer.write());
-        const QByteArray all = StandardError::text().replace("aligning start block\n", "");
-        QCOMPARE(all, QByteArray("Total account is 1\n" + printed));
-    }
+    const QByteArray all = StandardError::during([&] { QVERIFY(writer.write()); });
+    QCOMPARE(QByteArray(all).replace("aligning start block\n", ""), QByteArray("Total account is 1\n" + printed));
     QString error;
     QVERIFY(!writer.save(&error));
     QTEST(error, "error");

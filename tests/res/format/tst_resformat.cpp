@@ -57,9 +57,7 @@ class TstResFormat : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void identifiers_data();
     void identifiers();
-    void hashes_data();
     void hashes();
     void goldenBytes();
     void headersDescribeTheFormat();
@@ -73,51 +71,31 @@ private Q_SLOTS:
     void whatIsBuiltIsFound();
 };
 
-void TstResFormat::identifiers_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("id");
-    const auto row = [](const char *name, const char *id) {
-        QTest::newRow(name) << QString::fromUtf8(name) << QString::fromUtf8(id);
-    };
-    row("/usr/icons/Phone.JPG", "Phone.g");
-    row("icon.gif", "icon.g");
-    row("icon.Png", "icon.g");
-    row("a/b.c/icon.jpeg", "icon.g");
-    row("tunes/Ring.Mp3", "Ring.a");
-    for (const char *sound : {"r.wav", "r.aac", "r.mid", "r.amr"})
-        row(sound, "r.a");
-    row("dir.png/notes.txt", "notes.txt");
-    row("twice.png.png", "twice.png.g");
-    row("dir/.png", ".g");
-    row("png", "png");
-    row("folder/", "");
-}
-
 void TstResFormat::identifiers()
 {
-    QFETCH(QString, name);
-    QTEST(res::createID(name), "id");
-}
-
-void TstResFormat::hashes_data()
-{
-    QTest::addColumn<QByteArray>("id");
-    QTest::addColumn<quint32>("hash");
-    QTest::newRow("null") << QByteArray() << 0xFFFFFFFFU;
-    QTest::newRow("empty") << QByteArray("") << 0U;
-    QTest::newRow("one") << QByteArray("a") << 0x61U;
-    QTest::newRow("two") << QByteArray("ab") << 0xA0U;
-    QTest::newRow("not signed") << QByteArray("\xE9t\xE9.g") << 0xEAFU;
-    QTest::newRow("the sign is kept") << QByteArray("ringing_tone_of_an_incoming_call.a") << 0xE28A09FAU;
-    QTest::newRow("of nothing") << QByteArray("AFLa;./ao5S4KycXf>") << 0x00FFFFFFU;
-    QTest::newRow("ends at a NUL") << QByteArray("a\0b", 3) << 0x61U;
+    const std::pair<QString, QString> rows[] = {{u"/usr/icons/Phone.JPG"_s, u"Phone.g"_s}, {u"icon.gif"_s, u"icon.g"_s},
+        {u"icon.Png"_s, u"icon.g"_s}, {u"a/b.c/icon.jpeg"_s, u"icon.g"_s}, {u"tunes/Ring.Mp3"_s, u"Ring.a"_s},
+        {u"r.wav"_s, u"r.a"_s}, {u"r.aac"_s, u"r.a"_s}, {u"r.mid"_s, u"r.a"_s}, {u"r.amr"_s, u"r.a"_s},
+        {u"dir.png/notes.txt"_s, u"notes.txt"_s}, {u"twice.png.png"_s, u"twice.png.g"_s}, {u"dir/.png"_s, u".g"_s},
+        {u"png"_s, u"png"_s}, {u"folder/"_s, u""_s}};
+    for (const auto &[name, id] : rows)
+        QCOMPARE(res::createID(name), id);
 }
 
 void TstResFormat::hashes()
 {
-    QFETCH(QByteArray, id);
-    QTEST(res::hashVal(id), "hash");
+    const std::pair<QByteArray, quint32> rows[] = {
+        {QByteArray(), 0xFFFFFFFFU},
+        {"", 0U},
+        {"a", 0x61U},
+        {"ab", 0xA0U},
+        {"\xE9t\xE9.g", 0xEAFU}, // bytes without a sign
+        {"ringing_tone_of_an_incoming_call.a", 0xE28A09FAU}, // the hash has one, and keeps it
+        {"AFLa;./ao5S4KycXf>", 0x00FFFFFFU}, // the hash of nothing
+        {QByteArray("a\0b", 3), 0x61U},
+    };
+    for (const auto &[id, hash] : rows)
+        QCOMPARE(res::hashVal(id), hash);
     QCOMPARE(res::bigToLittle(0x01020304), 0x04030201U);
 }
 

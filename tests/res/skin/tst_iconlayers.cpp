@@ -37,7 +37,6 @@ class TstIconLayers : public QObject {
 
 private Q_SLOTS:
     void initTestCase();
-    void theLastFileAnswers_data();
     void theLastFileAnswers();
     void aDamagedIconIsNoAnswer();
     void theIconsOfTheProcess();
@@ -57,40 +56,31 @@ void TstIconLayers::initTestCase()
     }
 }
 
-void TstIconLayers::theLastFileAnswers_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("ofTwo"); // the layer that answers; -1: none
-    QTest::addColumn<int>("ofFour");
-    QTest::newRow("in the first") << u"to0"_s << 0 << 0;
-    QTest::newRow("in the first two") << u"to1"_s << 1 << 1;
-    QTest::newRow("in the first three") << u"to2"_s << 1 << 2;
-    QTest::newRow("in all") << u"to3"_s << 1 << 3;
-    QTest::newRow("in the second") << u"from1"_s << 1 << 1;
-    QTest::newRow("in the fourth") << u"from3"_s << -1 << 3;
-    QTest::newRow("in none") << u"none"_s << -1 << -1;
-}
-
 void TstIconLayers::theLastFileAnswers()
 {
-    QFETCH(QString, name);
-    QFETCH(int, ofTwo);
-    QFETCH(int, ofFour);
-    UTIL_Skin two(fileOf(0), fileOf(1));
-    QCOMPARE(two.exists(name + u".g"), ofTwo >= 0);
-    QCOMPARE(two.pixmapExists(name), ofTwo >= 0);
-    QCOMPARE(colorOf(two.getPixmap(name).toImage()), colorName(ofTwo));
-    const char *data = "untouched";
-    unsigned int length = 9;
-    QCOMPARE(two.getByFullFileName(u"/a/"_s + name + u".PNG", data, length), ofTwo >= 0);
-    QCOMPARE(QByteArray(data, qsizetype(length)), ofTwo < 0 ? QByteArray() : icon(kColors[ofTwo]));
-    QCOMPARE(two.getByFileName(name + u".gif", data, length), ofTwo >= 0);
+    const struct {
+        QString name;
+        int ofTwo; // the layer that answers; -1: none
+        int ofFour;
+    } rows[] = {{u"to0"_s, 0, 0}, {u"to1"_s, 1, 1}, {u"to2"_s, 1, 2}, {u"to3"_s, 1, 3}, {u"from1"_s, 1, 1},
+        {u"from3"_s, -1, 3}, {u"none"_s, -1, -1}};
+    for (const auto &[name, ofTwo, ofFour] : rows) {
+        UTIL_Skin two(fileOf(0), fileOf(1));
+        QCOMPARE(two.exists(name + u".g"), ofTwo >= 0);
+        QCOMPARE(two.pixmapExists(name), ofTwo >= 0);
+        QCOMPARE(colorOf(two.getPixmap(name).toImage()), colorName(ofTwo));
+        const char *data = "untouched";
+        unsigned int length = 9;
+        QCOMPARE(two.getByFullFileName(u"/a/"_s + name + u".PNG", data, length), ofTwo >= 0);
+        QCOMPARE(QByteArray(data, qsizetype(length)), ofTwo < 0 ? QByteArray() : icon(kColors[ofTwo]));
+        QCOMPARE(two.getByFileName(name + u".gif", data, length), ofTwo >= 0);
 
-    ZSkin four(fileOf(0), fileOf(1), fileOf(2), fileOf(3));
-    QCOMPARE(four.exists(name + u".g"), ofFour >= 0);
-    QCOMPARE(colorOf(four.getQImage(name + u".g")), colorName(ofFour));
-    QCOMPARE(ZSkin(fileOf(0), QString(), u"/tmp/none"_s, fileOf(3)).exists(name + u".g"),
-        ofFour == 0 || ofFour == 3 || name.startsWith(u"to"));
+        ZSkin four(fileOf(0), fileOf(1), fileOf(2), fileOf(3));
+        QCOMPARE(four.exists(name + u".g"), ofFour >= 0);
+        QCOMPARE(colorOf(four.getQImage(name + u".g")), colorName(ofFour));
+        QCOMPARE(ZSkin(fileOf(0), QString(), u"/tmp/none"_s, fileOf(3)).exists(name + u".g"),
+            ofFour == 0 || ofFour == 3 || name.startsWith(u"to"));
+    }
 }
 
 void TstIconLayers::aDamagedIconIsNoAnswer()

@@ -6,8 +6,6 @@
 #include "res/skin/util_skinfilereader.h"
 #include "tests/support/standarderror.h"
 
-#include <QBuffer>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -18,13 +16,7 @@ const QString kOther = QStringLiteral("/tmp/other.skn");
 // What the reader prints meanwhile; what the shared image says besides is left out.
 QByteArray printed(const auto &action)
 {
-    QByteArray all;
-    {
-        const StandardError error;
-        action();
-        all = StandardError::text();
-    }
-    QByteArrayList lines = all.split('\n');
+    QByteArrayList lines = StandardError::during(action).split('\n');
     lines.removeIf([](const QByteArray &line) {
         return line.startsWith("UTIL_ShareImage::") || line == "Create new shared memory";
     });
@@ -91,7 +83,6 @@ private Q_SLOTS:
     void failures_data();
     void failures();
     void loadingSharesTheImage();
-    void pictures_data();
     void pictures();
     void everyBitOfTheMaskCounts();
     void sixteenBits();
@@ -207,27 +198,21 @@ void TstSkinFileReader::loadingSharesTheImage()
     QCOMPARE(UTIL_SkinFileReader::instanceCount, before + 1);
 }
 
-void TstSkinFileReader::pictures_data()
-{
-    QTest::addColumn<int>("number");
-    for (int i = 0; i < int(std::size(kRows)); ++i)
-        QTest::newRow(kRows[i].name) << i;
-}
-
 void TstSkinFileReader::pictures()
 {
-    QFETCH(int, number);
-    const Row &row = kRows[number];
-    const QString name = QString::fromLatin1(row.name);
-    printed([&] {
+    printed([] {
         UTIL_SkinFileReader reader;
         QVERIFY(reader.setFileName(kFile));
         const QImage image = atlas(7).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        const QPixmap picture = reader.getPixmap(name);
-        QCOMPARE(picture.size(), row.size);
-        QVERIFY(row.size.isEmpty() || picture.toImage() == image.copy(QRect(row.rect.topLeft(), row.size)));
-        QVERIFY(reader.pixmapExists(name) && reader.colorExists(name) && !reader.exists(name));
-        QCOMPARE(reader.getColor(name), row.color == kNone ? QColor() : image.pixelColor(row.color));
+        for (const Row &row : kRows) {
+            const QString name = QString::fromLatin1(row.name);
+            const QPixmap picture = reader.getPixmap(name);
+            QVERIFY2(picture.size() == row.size, row.name);
+            QVERIFY2(
+                row.size.isEmpty() || picture.toImage() == image.copy(QRect(row.rect.topLeft(), row.size)), row.name);
+            QVERIFY2(reader.pixmapExists(name) && reader.colorExists(name) && !reader.exists(name), row.name);
+            QCOMPARE(reader.getColor(name), row.color == kNone ? QColor() : image.pixelColor(row.color));
+        }
     });
 }
 
