@@ -1,8 +1,8 @@
 // An application on the phone's screen, led by a test: a command a line on standard input, and one line for each answer
 // and each event on standard output.
 //
-//   make NAME KIND WIDTH HEIGHT COLOUR   KIND: main dialog modal popup tooltip frameless ontop nofocus -> "made NAME"
-//   show|hide|delete|raise|lower|activate|full|normal|menu NAME                                       -> "done NAME"
+//   make NAME KIND WIDTH HEIGHT COLOUR   KIND: main dialog modal popup frameless nofocus -> "made NAME"
+//   show|hide|delete|raise|activate|full|normal|menu NAME                                       -> "done NAME"
 //   move NAME X Y     title NAME TEXT     colour NAME COLOUR                                           -> "done NAME"
 //   id NAME           -> "id NAME NUMBER"
 //   ask NAME          runs a dialog -> "done NAME", and "answered" when it ends
@@ -99,9 +99,7 @@ Qt::WindowFlags flagsOf(const QString &kind)
         {QStringLiteral("dialog"), Qt::Dialog},
         {QStringLiteral("modal"), Qt::Dialog},
         {QStringLiteral("popup"), Qt::Popup},
-        {QStringLiteral("tooltip"), Qt::ToolTip},
         {QStringLiteral("frameless"), Qt::Window | Qt::FramelessWindowHint},
-        {QStringLiteral("ontop"), Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint},
         {QStringLiteral("nofocus"), Qt::Window | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus},
     };
     return flags.value(kind);
@@ -154,7 +152,6 @@ Action actionFor(const QString &word)
         {QStringLiteral("hide"), [](PeerWindow &w, const QStringList &) { w.hide(); }},
         {QStringLiteral("delete"), [](PeerWindow &w, const QStringList &) { delete &w; }},
         {QStringLiteral("raise"), [](PeerWindow &w, const QStringList &) { w.raise(); }},
-        {QStringLiteral("lower"), [](PeerWindow &w, const QStringList &) { w.lower(); }},
         {QStringLiteral("activate"), [](PeerWindow &w, const QStringList &) { w.activateWindow(); }},
         {QStringLiteral("full"), [](PeerWindow &w, const QStringList &) { w.showFullScreen(); }},
         {QStringLiteral("normal"), [](PeerWindow &w, const QStringList &) { w.showNormal(); }},
