@@ -1,6 +1,7 @@
 // The catalogue of messages: what it says holds for the tables that act on them, and its decoding for any bytes.
 #include "appbase/application/routes.h"
 #include "appbase/messaging/wire.h"
+#include "tests/support/columns.h"
 #include "tests/support/testfiles.h"
 #include "tools/tyx/catalogue.h"
 
@@ -108,14 +109,9 @@ void TstCatalogue::everyRowReadsWhatItsKindsWrite()
 
 void TstCatalogue::argumentsAreToldAsFarAsTheyAreThere_data()
 {
-    QTest::addColumn<QByteArray>("channel");
-    QTest::addColumn<QByteArray>("message");
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<QString>("text");
+    const auto row = columns<QByteArray, QByteArray, QByteArray, QString>("channel", "message", "data", "text");
     const QByteArray system = "TYX/System";
     const QByteArray zone = "modifytimezone";
-    const auto row = [](const char *name, const QByteArray &channel, const QByteArray &message, const QByteArray &data,
-                         const QString &text) { QTest::newRow(name) << channel << message << data << text; };
     row("known", system, zone, wire::pack(8, 0, -1), u"h=8 m=0 s=-1"_s);
     row("short", system, zone, wire::pack(8, 0) + "ab", u"h=8 m=0 (int:s cannot be read from: 61 62)"_s);
     row("empty", system, zone, {}, u"(int:h is missing)"_s);

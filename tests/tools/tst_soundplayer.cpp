@@ -1,5 +1,6 @@
 #include "appbase/messaging/soundqueue.h"
 #include "platform/system/keyfile.h"
+#include "tests/support/columns.h"
 #include "tests/support/testfiles.h"
 #include "tools/soundplayer/soundrequest.h"
 
@@ -31,20 +32,19 @@ private Q_SLOTS:
 
 void TstSoundPlayer::messagesAreRead_data()
 {
-    QTest::addColumn<QByteArray>("message"); // what its zeros at the end are cut off from
-    QTest::addColumn<int>("size");
-    QTest::addColumn<QByteArray>("read");
+    // message: what its zeros at the end are cut off from
+    const auto row = columns<QByteArray, int, QByteArray>("message", "size", "read");
     const QByteArray loud("\2\0\0\0\x09\0\0\0", 8);
-    QTest::newRow("a name") << loud + "a.wav" << 260 << QByteArray("/s/a.wav 1");
-    QTest::newRow("a path") << QByteArray("\1\0\0\0\3\0\0\0/t/b", 12) << 260 << QByteArray("/t/b 0.111");
-    QTest::newRow("too loud") << QByteArray("\1\0\0\0\0\0\0\xFF/t/b", 12) << 260 << QByteArray("/t/b 1");
-    QTest::newRow("silent style") << QByteArray("\0\0\0\0\3\0\0\0/t/b", 12) << 260 << QByteArray();
-    QTest::newRow("volume 0") << QByteArray("\1\0\0\0\0\0\0\0/t/b", 12) << 260 << QByteArray();
-    QTest::newRow("a way out") << loud + "../b" << 260 << QByteArray();
-    QTest::newRow("no name") << loud << 260 << QByteArray();
-    QTest::newRow("no end") << loud + QByteArray(252, 'x') << 260 << QByteArray();
-    QTest::newRow("cut") << loud + "a.wav" << 259 << QByteArray();
-    QTest::newRow("empty") << QByteArray() << 0 << QByteArray();
+    row("a name", loud + "a.wav", 260, "/s/a.wav 1");
+    row("a path", QByteArray("\1\0\0\0\3\0\0\0/t/b", 12), 260, "/t/b 0.111");
+    row("too loud", QByteArray("\1\0\0\0\0\0\0\xFF/t/b", 12), 260, "/t/b 1");
+    row("silent style", QByteArray("\0\0\0\0\3\0\0\0/t/b", 12), 260, {});
+    row("volume 0", QByteArray("\1\0\0\0\0\0\0\0/t/b", 12), 260, {});
+    row("a way out", loud + "../b", 260, {});
+    row("no name", loud, 260, {});
+    row("no end", loud + QByteArray(252, 'x'), 260, {});
+    row("cut", loud + "a.wav", 259, {});
+    row("empty", {}, 0, {});
 }
 
 void TstSoundPlayer::messagesAreRead()

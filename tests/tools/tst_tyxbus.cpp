@@ -2,6 +2,7 @@
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/busbroker.h"
 #include "platform/bus/businspector.h"
+#include "tests/support/columns.h"
 #include "tests/support/tyxtool.h"
 
 #include <QCopChannel>
@@ -21,7 +22,6 @@ private Q_SLOTS:
     void cleanup() { m_broker.reset(); }
     void sendWritesTheArgumentsAsTheyAreTyped_data();
     void sendWritesTheArgumentsAsTheyAreTyped();
-    void senderIsWarnedOfWhatIsKnownBetter_data();
     void senderIsWarnedOfWhatIsKnownBetter();
     void queuedMessagesWaitOrAreSent();
     void refusedSenderIsToldWhy();
@@ -52,24 +52,21 @@ void TstTyxBus::init()
 
 void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("data"); // or part of the error
-    QTest::newRow("none") << QStringList() << 0 << QByteArray();
-    QTest::newRow("hex") << words("--hex 00fF") << 0 << QByteArray("00ff");
-    QTest::newRow("half a byte") << words("--hex 0ff") << 2 << QByteArray("not pairs of hexadecimal digits");
-    QTest::newRow("numbers") << words("int:-2 uint:0x10 bool:true") << 0 << QByteArray("fffffffe0000001000000001");
-    QTest::newRow("texts") << words("qstring:a: qcstring:") << 0 << QByteArray("000000040061003a0000000100");
-    QTest::newRow("bytes") << words("bytes:0102 raw:0102") << 0 << QByteArray("0000000201020102");
-    QTest::newRow("uuid") << words("uuid:{01234567-89ab-cdef-0123-456789abcdef}") << 0
-                          << QByteArray("0123456789abcdef0123456789abcdef");
-    QTest::newRow("no type") << words("3") << 2
-                             << QByteArray("argument \"3\" has no type that is known: write one of int:");
-    QTest::newRow("many") << words("ints:1,-1 uint8:255 bool8:1") << 0 << QByteArray("0000000200000001ffffffffff01");
-    QTest::newRow("too many") << words("uint8:256") << 2 << QByteArray("should be a whole number from 0 to 255");
-    QTest::newRow("no number") << words("int:3x") << 2 << QByteArray("argument \"int:3x\" should be a whole number");
-    QTest::newRow("no bool") << words("bool:yes") << 2 << QByteArray("should be 1, 0, true or false");
-    QTest::newRow("no uuid") << words("uuid:1234") << 2 << QByteArray("should be an identifier like");
+    // data: or part of the error
+    const auto row = columns<QStringList, int, QByteArray>("arguments", "status", "data");
+    row("none", {}, 0, {});
+    row("hex", words("--hex 00fF"), 0, "00ff");
+    row("half a byte", words("--hex 0ff"), 2, "not pairs of hexadecimal digits");
+    row("numbers", words("int:-2 uint:0x10 bool:true"), 0, "fffffffe0000001000000001");
+    row("texts", words("qstring:a: qcstring:"), 0, "000000040061003a0000000100");
+    row("bytes", words("bytes:0102 raw:0102"), 0, "0000000201020102");
+    row("uuid", words("uuid:{01234567-89ab-cdef-0123-456789abcdef}"), 0, "0123456789abcdef0123456789abcdef");
+    row("no type", words("3"), 2, "argument \"3\" has no type that is known: write one of int:");
+    row("many", words("ints:1,-1 uint8:255 bool8:1"), 0, "0000000200000001ffffffffff01");
+    row("too many", words("uint8:256"), 2, "should be a whole number from 0 to 255");
+    row("no number", words("int:3x"), 2, "argument \"int:3x\" should be a whole number");
+    row("no bool", words("bool:yes"), 2, "should be 1, 0, true or false");
+    row("no uuid", words("uuid:1234"), 2, "should be an identifier like");
 }
 
 void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped()
@@ -91,44 +88,39 @@ void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped()
     QCOMPARE(spy[0][1].toByteArray().toHex(), data);
 }
 
-void TstTyxBus::senderIsWarnedOfWhatIsKnownBetter_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QByteArray>("warning"); // with the cure
-    const auto row = [](const QStringList &arguments, const char *warning) {
-        QTest::newRow(qPrintable(arguments.join(u' '))) << arguments << QByteArray(warning);
-    };
-    row(words("TYX/System modifytimezone int:8 int:0 int:0"), "");
-    row(words("TYX/System modifytimezone int:8 uint:0 bool:0"), "");
-    row(words("TYX/System modifytimezone --hex 000000080000000000000000"), "");
-    row(words("TYX/Private modifytimezone"), "");
-    row(words("TYX/Application/app greet()"), "");
-    row(words("TYX/System modifytimezone"), "\"modifytimezone\" takes int:h int:m int:s");
-    row(words("TYX/System modifytimezone int:8 int:0 int:0 int:0"), "\"modifytimezone\" takes int:h int:m int:s");
-    row(words("TYX/Application/7 openDoc(QString) qcstring:a"), "\"openDoc(QString)\" takes qstring:document");
-    row(words("TYX/System applyStyle() int:1"), "\"applyStyle()\" takes no arguments");
-    row(words("TYX/System applystyle"), "\"applystyle\" is not known; there is \"applyStyle()\"");
-    row(words("TYX/QtServer raise"), "\"raise\" is not known there; \"raise()\" belongs on TYX/Application/PID");
-    const QByteArray process = "\"raise()\" is for the channel of the process: send it to TYX/Application/"
-        + QByteArray::number(QCoreApplication::applicationPid());
-    row(words("TYX/Application/app raise()"), process.constData());
-}
-
 void TstTyxBus::senderIsWarnedOfWhatIsKnownBetter()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(QByteArray, warning);
+    const QByteArray zone = "\"modifytimezone\" takes int:h int:m int:s";
+    const QByteArray process = "\"raise()\" is for the channel of the process: send it to TYX/Application/"
+        + QByteArray::number(QCoreApplication::applicationPid());
+    const std::pair<const char *, QByteArray> rows[] = {
+        {"TYX/System modifytimezone int:8 int:0 int:0", {}},
+        {"TYX/System modifytimezone int:8 uint:0 bool:0", {}},
+        {"TYX/System modifytimezone --hex 000000080000000000000000", {}},
+        {"TYX/Private modifytimezone", {}},
+        {"TYX/Application/app greet()", {}},
+        {"TYX/System modifytimezone", zone},
+        {"TYX/System modifytimezone int:8 int:0 int:0 int:0", zone},
+        {"TYX/Application/7 openDoc(QString) qcstring:a", "\"openDoc(QString)\" takes qstring:document"},
+        {"TYX/System applyStyle() int:1", "\"applyStyle()\" takes no arguments"},
+        {"TYX/System applystyle", "\"applystyle\" is not known; there is \"applyStyle()\""},
+        {"TYX/QtServer raise", "\"raise\" is not known there; \"raise()\" belongs on TYX/Application/PID"},
+        {"TYX/Application/app raise()", process},
+    };
     const QCopChannel program("TYX/Application/app");
-    QCopChannel channel(arguments.first().toLatin1());
-    QSignalSpy received(&channel, &QCopChannel::received);
-    const Outcome sent = tyx(QStringList{QStringLiteral("send")} + arguments);
-    QCOMPARE(sent.err, warning.isEmpty() ? warning : "tyx: warning: " + warning + "; sent all the same\n");
-    QCOMPARE(sent.status, 0);
-    QTRY_COMPARE(received.size(), 1);
-    const Outcome strict = tyx(words("send --strict") + arguments);
-    QCOMPARE(strict.err, warning.isEmpty() ? warning : "tyx: " + warning + "; it was not sent\n");
-    QCOMPARE(strict.status, warning.isEmpty() ? 0 : 2);
-    QTRY_COMPARE(received.size(), warning.isEmpty() ? 2 : 1);
+    for (const auto &[line, warning] : rows) {
+        const QStringList arguments = words(line);
+        QCopChannel channel(arguments.first().toLatin1());
+        QSignalSpy received(&channel, &QCopChannel::received);
+        const Outcome sent = tyx(words("send") + arguments);
+        QCOMPARE(sent.err, warning.isEmpty() ? warning : "tyx: warning: " + warning + "; sent all the same\n");
+        QCOMPARE(sent.status, 0);
+        QTRY_COMPARE(received.size(), 1);
+        const Outcome strict = tyx(words("send --strict") + arguments);
+        QCOMPARE(strict.err, warning.isEmpty() ? warning : "tyx: " + warning + "; it was not sent\n");
+        QCOMPARE(strict.status, warning.isEmpty() ? 0 : 2);
+        QTRY_COMPARE(received.size(), warning.isEmpty() ? 2 : 1);
+    }
 }
 
 void TstTyxBus::queuedMessagesWaitOrAreSent()
@@ -166,7 +158,7 @@ void TstTyxBus::refusedSenderIsToldWhy()
         m_broker->process();
     }
     const Outcome sent = tyx("send c m");
-    QCOMPARE(sent.err, QByteArray("tyx: the phone closed the connection: too many clients, the bus serves 256\n"));
+    QCOMPARE(sent.err, "tyx: the phone closed the connection: too many clients, the bus serves 256\n");
     QCOMPARE(sent.status, 3);
 }
 
@@ -209,16 +201,12 @@ void TstTyxBus::monitorShowsWhatOthersSend()
 
 void TstTyxBus::describeTellsWhatIsAskedFor_data()
 {
-    QTest::addColumn<QString>("about");
-    QTest::addColumn<int>("rows");
-    QTest::addColumn<QByteArray>("part");
-    QTest::newRow("a message") << QStringLiteral("modifytimezone") << 1
-                               << QByteArray("TYX/System\n  modifytimezone int:h int:m int:s  -- sets TZ");
-    QTest::newRow("on two channels, nearly")
-        << QStringLiteral("Shutdown") << 2 << QByteArray("TYX/System\n  shutdown()  -- ");
-    QTest::newRow("a channel") << QStringLiteral("/TYX/Volume") << 2 << QByteArray("  RKeyPress int:key  -- ");
-    QTest::newRow("a pattern") << QStringLiteral("TYX/Tool/PID") << 5 << QByteArray("TYX/Tool/PID\n  raw(");
-    QTest::newRow("nothing") << QStringLiteral("?") << 0 << QByteArray();
+    const auto row = columns<QString, int, QByteArray>("about", "rows", "part");
+    row("a message", QStringLiteral("modifytimezone"), 1, "TYX/System\n  modifytimezone int:h int:m int:s  -- sets TZ");
+    row("on two channels, nearly", QStringLiteral("Shutdown"), 2, "TYX/System\n  shutdown()  -- ");
+    row("a channel", QStringLiteral("/TYX/Volume"), 2, "  RKeyPress int:key  -- ");
+    row("a pattern", QStringLiteral("TYX/Tool/PID"), 5, "TYX/Tool/PID\n  raw(");
+    row("nothing", QStringLiteral("?"), 0, {});
 }
 
 void TstTyxBus::describeTellsWhatIsAskedFor()

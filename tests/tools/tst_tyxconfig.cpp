@@ -1,4 +1,5 @@
 // The real program on real files: `tyx config`.
+#include "tests/support/columns.h"
 #include "tests/support/tyxtool.h"
 
 #include <QDir>
@@ -28,7 +29,6 @@ class TstTyxConfig : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void answers_data();
     void answers();
     void changes_data();
     void changes();
@@ -43,47 +43,34 @@ private Q_SLOTS:
     void whoHoldsTheTemporaryIsNamed();
 };
 
-void TstTyxConfig::answers_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("out");
-    const auto row = [](const char *line, int status, const char *out) {
-        QTest::newRow(line) << words(line) << status << QByteArray(out);
-    };
-    row("get t.cfg A k", 0, "a value\n");
-    row("get t.cfg A empty --default d", 0, "\n");
-    row("get t.cfg A none", 1, "");
-    row("get t.cfg none k", 1, "");
-    row("get t.cfg A none --default d", 0, "d\n");
-    row("get none.cfg A none --default d", 0, "d\n");
-    row("list t.cfg", 0, "[A]\nempty = \nk = a value\n[B]\n");
-    row("list t.cfg B", 0, "[B]\n");
-    row("list t.cfg C", 1, "");
-    row("get t.cfg A", 2, "");
-    row("frobnicate", 2, "");
-}
-
 void TstTyxConfig::answers()
 {
-    QFETCH(QStringList, arguments);
     fill(kFile, "[B]\n[A]\nk=a value\nempty=\n");
-    const Outcome outcome = tyx(arguments);
-    QTEST(outcome.status, "status");
-    QTEST(outcome.out, "out");
-    QCOMPARE(outcome.err.isEmpty(), outcome.status == 0);
+    const std::tuple<const char *, int, const char *> rows[] = {
+        {"get t.cfg A k", 0, "a value\n"},
+        {"get t.cfg A empty --default d", 0, "\n"},
+        {"get t.cfg A none", 1, ""},
+        {"get t.cfg none k", 1, ""},
+        {"get t.cfg A none --default d", 0, "d\n"},
+        {"get none.cfg A none --default d", 0, "d\n"},
+        {"list t.cfg", 0, "[A]\nempty = \nk = a value\n[B]\n"},
+        {"list t.cfg B", 0, "[B]\n"},
+        {"list t.cfg C", 1, ""},
+        {"get t.cfg A", 2, ""},
+        {"frobnicate", 2, ""},
+    };
+    for (const auto &[line, status, out] : rows) {
+        const Outcome outcome = tyx(line);
+        QVERIFY2(outcome.status == status, line);
+        QCOMPARE(outcome.out, out);
+        QCOMPARE(outcome.err.isEmpty(), status == 0);
+    }
 }
 
 void TstTyxConfig::changes_data()
 {
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QStringList>("arguments"); // FILE is put in after the first
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("after");
-    const auto row = [](const char *name, const char *before, const QStringList &arguments, int status,
-                         const char *after) {
-        QTest::newRow(name) << QByteArray(before) << arguments << status << QByteArray(after);
-    };
+    // arguments: FILE is put in after the first
+    const auto row = columns<QByteArray, QStringList, int, QByteArray>("before", "arguments", "status", "after");
     const char *const old = "[G]\na = 1\nb = 2\n";
     row("set", old, {u"set"_s, u"G"_s, u"a"_s, u"x = y"_s}, 0, "[G]\na = x = y\nb = 2\n");
     row("set in a new group", "", {u"set"_s, u"\u00fc"_s, u"a"_s, u""_s}, 0, "[\xC3\xBC]\na = \n");
@@ -122,12 +109,8 @@ void TstTyxConfig::changes()
 
 void TstTyxConfig::checks_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("remark"); // the beginning of the only line that is printed
-    QTest::addColumn<int>("status");
-    const auto row = [](const char *name, const QByteArray &bytes, const char *remark, int status) {
-        QTest::newRow(name) << bytes << QByteArray(remark) << status;
-    };
+    // remark: the beginning of the only line that is printed
+    const auto row = columns<QByteArray, QByteArray, int>("bytes", "remark", "status");
     row("sound", "\n[G]\n a =\n", "", 0);
     row("stray", "[G]\n\na=1\njunk\nb\n", "t.cfg:4: no '=' in this line; reading stops here", 1);
     row("no header", "\na=1\n", "t.cfg:2: no [group] before this line; reading stops here", 1);
@@ -163,7 +146,7 @@ void TstTyxConfig::otherBytesThanTextAreRefused()
         const Outcome outcome = shell(uR"(bytes=$(printf 't\374'); $tyx config )"_s + arguments);
         QCOMPARE(outcome.status, 2);
         QVERIFY2(outcome.err.endsWith("is not UTF-8\n"), outcome.err.constData());
-        QCOMPARE(content(kFile), QByteArray("[G]\na=1\n"));
+        QCOMPARE(content(kFile), "[G]\na=1\n");
         QCOMPARE(QDir().entryList(), before);
     }
 }
@@ -189,7 +172,7 @@ void TstTyxConfig::aTerminalSeesNoControlCharacters()
     QCOMPARE(shell(u"$tyx config list t.cfg >"_s + name).status, 0);
     char seen[100] = {};
     QVERIFY(::read(terminal.handle(), seen, sizeof seen - 1) > 0);
-    QCOMPARE(QByteArray(seen).replace("\r\n", "\n"), QByteArray("[?[31mG]\nk = \xF0\x9F\x98\x80?z\n"));
+    QCOMPARE(QByteArray(seen).replace("\r\n", "\n"), "[?[31mG]\nk = \xF0\x9F\x98\x80?z\n");
 }
 
 void TstTyxConfig::lostOutputIsAFailure()
@@ -198,7 +181,7 @@ void TstTyxConfig::lostOutputIsAFailure()
     for (const QString &arguments : {u"config list t.cfg"_s, u"config list t.cfg --json"_s, u"--help"_s}) {
         const Outcome outcome = shell(u"$tyx %1 >/dev/full"_s.arg(arguments));
         QCOMPARE(outcome.status, 3);
-        QCOMPARE(outcome.err, QByteArray("tyx: cannot write to standard output: No space left on device\n"));
+        QCOMPARE(outcome.err, "tyx: cannot write to standard output: No space left on device\n");
     }
 }
 
@@ -221,7 +204,7 @@ void TstTyxConfig::aSaveThatDidNotHappenIsNoticed()
     fill(kFile, "[G]\na=1\n");
     for (const char *line : {"set t.cfg G a 2", "remove t.cfg G a", "remove t.cfg G"})
         QCOMPARE(tyx(line).status, 3);
-    QCOMPARE(content(kFile), QByteArray("[G]\na=1\n"));
+    QCOMPARE(content(kFile), "[G]\na=1\n");
     QVERIFY(QDir().rmdir(kFile + u".new"));
 }
 

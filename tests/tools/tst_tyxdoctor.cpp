@@ -1,4 +1,5 @@
 #include "platform/bus/busbroker.h"
+#include "tests/support/columns.h"
 #include "tests/support/tyxtool.h"
 
 #include <QJsonArray>
@@ -56,25 +57,21 @@ void TstTyxDoctor::findsNothingWrongOnAVirginPhone()
 
 void TstTyxDoctor::namesTheFaultAndTheCure_data()
 {
-    QTest::addColumn<QString>("damage"); // done by the shell
-    QTest::addColumn<QString>("place");
-    QTest::addColumn<QString>("cure");
-    QTest::newRow("a linked key file") << u"ln -s /etc/passwd /tmp/touch_sound_msg"_s << u"/tmp/touch_sound_msg"_s
-                                       << u"remove it"_s;
-    QTest::newRow("a segment of the wrong size")
-        << u"touch /tmp/key_testcommand"_s << u"/tmp/key_testcommand 'm'"_s << u"ipcrm -m"_s;
-    QTest::newRow("a segment that its owner may not use")
-        << u"touch /tmp/key_testcommand"_s << u"/tmp/key_testcommand 'n'"_s << u"ipcrm -m"_s;
-    QTest::newRow("a broken settings file")
-        << u"printf '[A]\\nb=1\\njunk\\n' > /tmp/tyx_system.cfg"_s << u"/tmp/tyx_system.cfg"_s << u"tyx config check"_s;
-    QTest::newRow("a folder instead of settings")
-        << u"mkdir /tmp/tyx_theme.cfg"_s << u"/tmp/tyx_theme.cfg"_s << u"put a readable file there"_s;
-    QTest::newRow("damaged messages") << u"echo damage > /tmp/qcop-msg-x"_s << u"/tmp/qcop-msg-x"_s
-                                      << u"tyx queue drop x"_s;
-    QTest::newRow("another program's semaphores") << u"true"_s << u"TYX_INSTALLED_QT_PATH=/usr"_s << u"ipcrm -s"_s;
-    QTest::newRow("the socket of a dead server")
-        << u"python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind(\"/tmp/run/tyx-bus\")'"_s
-        << u"/tmp/run/tyx-bus"_s << u"start tyx-guiserver"_s;
+    // damage: done by the shell
+    const auto row = columns<QString, QString, QString>("damage", "place", "cure");
+    row("a linked key file", u"ln -s /etc/passwd /tmp/touch_sound_msg"_s, u"/tmp/touch_sound_msg"_s, u"remove it"_s);
+    row("a segment of the wrong size", u"touch /tmp/key_testcommand"_s, u"/tmp/key_testcommand 'm'"_s, u"ipcrm -m"_s);
+    row("a segment that its owner may not use", u"touch /tmp/key_testcommand"_s, u"/tmp/key_testcommand 'n'"_s,
+        u"ipcrm -m"_s);
+    row("a broken settings file", u"printf '[A]\\nb=1\\njunk\\n' > /tmp/tyx_system.cfg"_s, u"/tmp/tyx_system.cfg"_s,
+        u"tyx config check"_s);
+    row("a folder instead of settings", u"mkdir /tmp/tyx_theme.cfg"_s, u"/tmp/tyx_theme.cfg"_s,
+        u"put a readable file there"_s);
+    row("damaged messages", u"echo damage > /tmp/qcop-msg-x"_s, u"/tmp/qcop-msg-x"_s, u"tyx queue drop x"_s);
+    row("another program's semaphores", u"true"_s, u"TYX_INSTALLED_QT_PATH=/usr"_s, u"ipcrm -s"_s);
+    row("the socket of a dead server",
+        u"python3 -c 'import socket; socket.socket(socket.AF_UNIX).bind(\"/tmp/run/tyx-bus\")'"_s,
+        u"/tmp/run/tyx-bus"_s, u"start tyx-guiserver"_s);
 }
 
 void TstTyxDoctor::namesTheFaultAndTheCure()

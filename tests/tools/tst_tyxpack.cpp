@@ -1,4 +1,5 @@
 // The real program on real files: `tyx pack`.
+#include "tests/support/columns.h"
 #include "tests/support/tyxtool.h"
 
 #include <QDir>
@@ -48,10 +49,10 @@ void TstTyxPack::aFolderGoesThereAndBack()
 {
     QCOMPARE(tyx("create t.tyx in").status, 0);
     const QByteArray packed = content(u"t.tyx"_s);
-    QCOMPARE(tyx("list t.tyx").out, QByteArray("Phone.g  12\ncaf\xC3\xA9.txt  4\nring.a  8\n"));
+    QCOMPARE(tyx("list t.tyx").out, "Phone.g  12\ncaf\xC3\xA9.txt  4\nring.a  8\n");
     const auto entry = tyx.json("list t.tyx")[0];
     QCOMPARE(entry[u"id"].toString(), u"Phone.g"_s);
-    QCOMPARE(packed.mid(entry[u"offset"].toInteger(), entry[u"size"].toInteger()), QByteArray("\x89PNG picture"));
+    QCOMPARE(packed.mid(entry[u"offset"].toInteger(), entry[u"size"].toInteger()), "\x89PNG picture");
     QCOMPARE(tyx("verify t.tyx").status, 0);
 
     QCOMPARE(tyx("extract t.tyx out/new/folder").status, 0);
@@ -62,7 +63,7 @@ void TstTyxPack::aFolderGoesThereAndBack()
 
     const Outcome again = tyx("extract t.tyx out/new/folder ring.a");
     QCOMPARE(again.status, 3);
-    QCOMPARE(again.err, QByteArray("tyx: t.tyx: 'ring.a' was not extracted: open: File exists; see --replace\n"));
+    QCOMPARE(again.err, "tyx: t.tyx: 'ring.a' was not extracted: open: File exists; see --replace\n");
     QCOMPARE(tyx("extract t.tyx out/new/folder ring.a --replace").status, 0);
     QCOMPARE(tyx("extract t.tyx out none").status, 1);
 }
@@ -71,19 +72,13 @@ void TstTyxPack::aManifestNamesWhatItWants()
 {
     fill(u"in/list"_s, "# icons\n\nPhone.PNG\nsub/ring.mp3\talarm.a\nPhone.PNG\tcaf\xC3\xA9.g\n");
     QCOMPARE(tyx("create t.tyx in/list").status, 0);
-    QCOMPARE(tyx("list t.tyx").out, QByteArray("Phone.g  12\nalarm.a  8\ncaf\xC3\xA9.g  12\n"));
+    QCOMPARE(tyx("list t.tyx").out, "Phone.g  12\nalarm.a  8\ncaf\xC3\xA9.g  12\n");
 }
 
 void TstTyxPack::whatCannotBePackedIsTold_data()
 {
-    QTest::addColumn<QString>("file"); // in the folder
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QByteArray>("error");
-    const auto row = [](const char *name, const QString &file, const char *bytes, const QString &source,
-                         const char *error) {
-        QTest::newRow(name) << file << QByteArray(bytes) << source << QByteArray(error);
-    };
+    // file: in the folder
+    const auto row = columns<QString, QByteArray, QString, QByteArray>("file", "bytes", "source", "error");
     row("two of one identifier", u"in/sub/Phone.gif"_s, "", u"in"_s,
         "tyx: in/sub/Phone.gif: has the same identifier 'Phone.g' as in/Phone.PNG; rename one of them\n");
     row("not Latin-1", u"in/\u20ac.png"_s, "", u"in"_s,
@@ -118,9 +113,9 @@ void TstTyxPack::filesAreAdded()
     fill(u"out/z"_s, "z");
     const Outcome refused = tyx("add t.tyx out/Phone.jpg out/z");
     QCOMPARE(refused.status, 3);
-    QCOMPARE(refused.err, QByteArray("tyx: out/Phone.jpg: t.tyx holds 'Phone.g' already; replace it with --replace\n"));
+    QCOMPARE(refused.err, "tyx: out/Phone.jpg: t.tyx holds 'Phone.g' already; replace it with --replace\n");
     QCOMPARE(tyx("add t.tyx --replace out/Phone.jpg out/z").status, 0);
-    QCOMPARE(tyx("list t.tyx").out, QByteArray("Phone.g  3\ncaf\xC3\xA9.txt  4\nring.a  8\nz  1\n"));
+    QCOMPARE(tyx("list t.tyx").out, "Phone.g  3\ncaf\xC3\xA9.txt  4\nring.a  8\nz  1\n");
     QCOMPARE(tyx("verify t.tyx").status, 0);
 }
 
@@ -148,10 +143,10 @@ void TstTyxPack::damageIsNamed()
     QCOMPARE(outcome.out,
         "t.tyx: byte " + QByteArray::number(offset - 8) + ": what should be a data block is something else\n");
     QCOMPARE(tyx.json("verify t.tyx")[u"offset"].toInteger(), offset - 8);
-    QCOMPARE(tyx("list t.tyx").out.left(47), QByteArray("Phone.g  what should be a data block is somethi"));
+    QCOMPARE(tyx("list t.tyx").out.left(47), "Phone.g  what should be a data block is somethi");
     QCOMPARE(tyx("add t.tyx in/Phone.PNG").status, 3);
     QCOMPARE(tyx("extract t.tyx out").status, 3);
-    QCOMPARE(content(u"out/ring.mp3"_s), QByteArray("ID3 tune")); // what is sound is there
+    QCOMPARE(content(u"out/ring.mp3"_s), "ID3 tune"); // what is sound is there
 }
 
 void TstTyxPack::extractingStaysInItsFolder()
@@ -166,8 +161,8 @@ void TstTyxPack::extractingStaysInItsFolder()
     QCOMPARE(outcome.status, 3);
     QCOMPARE(outcome.err.count('\n'), 5);
     QCOMPARE(tyx("extract t.tyx out --replace").err.count('\n'), 4);
-    QCOMPARE(content(u"out/link"_s), QByteArray("new"));
-    QCOMPARE(content(u"escaped"_s), QByteArray("old"));
+    QCOMPARE(content(u"out/link"_s), "new");
+    QCOMPARE(content(u"escaped"_s), "old");
     QCOMPARE(QDir(u"out"_s).entryList(QDir::Files), QStringList({u"fine"_s, u"link"_s}));
     QVERIFY(QDir(u"out/sub"_s).isEmpty());
 }

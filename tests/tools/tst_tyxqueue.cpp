@@ -1,5 +1,6 @@
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/busbroker.h"
+#include "tests/support/columns.h"
 #include "tests/support/tyxtool.h"
 
 #include <QCopChannel>
@@ -130,14 +131,11 @@ void TstTyxQueue::replayLeavesTheMessagesOfAnApplicationThatDoesNotRun()
 
 void TstTyxQueue::whatCannotBeUsedIsNamed_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("locked");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("error");
-    QTest::newRow("nothing waits") << u"other"_s << false << 1 << QByteArray("/tmp/qcop-msg-other: nothing waits");
-    QTest::newRow("a path") << u"../etc/x"_s << false << 2 << QByteArray("\"../etc/x\" is no name");
-    QTest::newRow("a folder") << u"folder"_s << false << 3 << QByteArray("/tmp/qcop-msg-folder: open: ");
-    QTest::newRow("in use") << u"app"_s << true << 3 << QByteArray("/tmp/qcop-msg-app: flock: ");
+    const auto row = columns<QString, bool, int, QByteArray>("name", "locked", "status", "error");
+    row("nothing waits", u"other"_s, false, 1, "/tmp/qcop-msg-other: nothing waits");
+    row("a path", u"../etc/x"_s, false, 2, "\"../etc/x\" is no name");
+    row("a folder", u"folder"_s, false, 3, "/tmp/qcop-msg-folder: open: ");
+    row("in use", u"app"_s, true, 3, "/tmp/qcop-msg-app: flock: ");
 }
 
 void TstTyxQueue::whatCannotBeUsedIsNamed()

@@ -1,4 +1,5 @@
 // The real program on a phone's settings: `tyx settings`.
+#include "tests/support/columns.h"
 #include "tests/support/peerprocess.h"
 #include "tests/support/tyxtool.h"
 
@@ -40,31 +41,28 @@ void TstTyxSettings::init()
 
 void TstTyxSettings::setsAndGets_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("shown"); // afterwards
-    const auto row = [](const char *name, const char *value, int status, const char *shown) {
-        QTest::addRow("%s %s", name, value)
-            << QString::fromLatin1(name) << QString::fromUtf8(value) << status << QByteArray(shown);
+    // shown: afterwards
+    const auto add = columns<QString, QString, int, QByteArray>("name", "value", "status", "shown");
+    const auto row = [&](const QString &name, const QString &value, int status, const char *shown) {
+        add(qPrintable(name + u' ' + value), name, value, status, shown);
     };
-    row("bluetooth-name", "my phone", 0, "my phone");
-    row("bluetooth-name", "my\nphone", 2, "Q300 BT");
-    row("lock-code", "", 2, "1234"); // it would mean the default one
-    row("bluetooth", "on", 0, "on");
-    row("voice-help", "0", 0, "off");
-    row("bluetooth", "maybe", 2, "off");
-    row("screen-sleep", "2min", 0, "2min");
-    row("screen-sleep", "300", 0, "5min");
-    row("screen-sleep", "17", 2, "never");
-    row("backlight", "100", 0, "100");
-    row("backlight", "101", 2, "60");
-    row("backlight", "bright", 2, "60");
-    row("vibration", "0x-5", 2, "0");
-    row("key-lock-after", "-7", 0, "-7");
-    row("blending-color", "0x80FFFFFF", 0, "2164260863");
-    row("browser-qos-min", "00FFa0", 0, "00ffa0");
-    row("browser-qos-min", "00F", 2, "");
+    row(u"bluetooth-name"_s, u"my phone"_s, 0, "my phone");
+    row(u"bluetooth-name"_s, u"my\nphone"_s, 2, "Q300 BT");
+    row(u"lock-code"_s, u""_s, 2, "1234"); // it would mean the default one
+    row(u"bluetooth"_s, u"on"_s, 0, "on");
+    row(u"voice-help"_s, u"0"_s, 0, "off");
+    row(u"bluetooth"_s, u"maybe"_s, 2, "off");
+    row(u"screen-sleep"_s, u"2min"_s, 0, "2min");
+    row(u"screen-sleep"_s, u"300"_s, 0, "5min");
+    row(u"screen-sleep"_s, u"17"_s, 2, "never");
+    row(u"backlight"_s, u"100"_s, 0, "100");
+    row(u"backlight"_s, u"101"_s, 2, "60");
+    row(u"backlight"_s, u"bright"_s, 2, "60");
+    row(u"vibration"_s, u"0x-5"_s, 2, "0");
+    row(u"key-lock-after"_s, u"-7"_s, 0, "-7");
+    row(u"blending-color"_s, u"0x80FFFFFF"_s, 0, "2164260863");
+    row(u"browser-qos-min"_s, u"00FFa0"_s, 0, "00ffa0");
+    row(u"browser-qos-min"_s, u"00F"_s, 2, "");
 }
 
 void TstTyxSettings::setsAndGets()

@@ -1,11 +1,12 @@
 // The real program on real files: `tyx skin`.
+#include "tests/support/columns.h"
 #include "tests/support/tyxtool.h"
 
 #include <QDir>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QRect>
+#include <QRegion>
 #include <UTIL_SkinFileWriter>
 
 using namespace Qt::StringLiterals;
@@ -82,7 +83,7 @@ void TstTyxSkin::aFolderGoesThereAndBack()
     QCOMPARE(content(u"again.skn"_s), content(u"t.skn"_s));
     const Outcome again = tyx("extract t.skn out bar.g");
     QCOMPARE(again.status, 3);
-    QCOMPARE(again.err, QByteArray("tyx: t.skn: 'bar.g' was not extracted: open: File exists; see --replace\n"));
+    QCOMPARE(again.err, "tyx: t.skn: 'bar.g' was not extracted: open: File exists; see --replace\n");
     QCOMPARE(tyx("extract t.skn out none.g").status, 1);
 }
 
@@ -93,18 +94,13 @@ void TstTyxSkin::picturesDoNotOverlap()
     for (const QStringList &size : {QStringList(), QStringList{u"--size"_s, u"301x700"_s}}) {
         QCOMPARE(tyx(QStringList{u"create"_s, u"t.skn"_s, u"in"_s} + size).status, 0);
         const QImage atlas = QImage::fromData(imageOf(u"t.skn"_s));
-        QImage used(atlas.size(), QImage::Format_Grayscale8);
-        used.fill(0);
+        QRegion used;
         qint64 area = 0;
         for (const QRect &rect : rectsOf(u"t.skn"_s)) {
             QVERIFY(atlas.rect().contains(rect));
             area += qint64{rect.width()} * rect.height();
-            for (int y = rect.top(); y <= rect.bottom(); ++y) {
-                for (int x = rect.left(); x <= rect.right(); ++x) {
-                    QCOMPARE(*(used.constScanLine(y) + x), uchar(0));
-                    *(used.scanLine(y) + x) = 1;
-                }
-            }
+            QVERIFY(!used.intersects(rect));
+            used += rect;
         }
         if (size.isEmpty())
             QVERIFY2(area * 10 > qint64{atlas.width()} * atlas.height() * 9, "a tenth is wasted");
@@ -130,32 +126,29 @@ void TstTyxSkin::anImageWithRectangles()
 
 void TstTyxSkin::whatCannotBePackedIsTold_data()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("error");
-    QTest::addColumn<QStringList>("arguments"); // behind the file; a folder when there are none
-    const auto row = [](const char *name, const char *file, const char *bytes, const char *error,
-                         const QStringList &arguments = {u"in"_s}) {
-        QTest::newRow(name) << QString::fromLatin1(file) << QByteArray(bytes) << QByteArray(error) << arguments;
-    };
-    row("no image", "in/a.png", "text", "in/a.png: no image, or one of more than 64 MiB; save it anew as PNG\n");
-    row("no picture's name", "in/a.txt", "",
-        "in/a.txt: the identifier of a picture ends in .g; convert it to PNG, or name it in a manifest\n");
-    row("a picture and a colour", "in/more.colors", "\nPhone #ffffff\n",
-        "in/more.colors:2: has the same identifier 'Phone.g' as in/Phone.png; rename one of them\n");
-    row("no colour", "in/more.colors", "Base #12345\n", "in/more.colors:1: should be a name and a colour, #rrggbb\n");
-    row("no room", "in/more.colors", "Base #123456\n",
+    // arguments: behind the file
+    const auto row = columns<QString, QByteArray, QByteArray, QStringList>("file", "bytes", "error", "arguments");
+    const QStringList folder{u"in"_s};
+    row("no image", u"in/a.png"_s, "text", "in/a.png: no image, or one of more than 64 MiB; save it anew as PNG\n",
+        folder);
+    row("no picture's name", u"in/a.txt"_s, "",
+        "in/a.txt: the identifier of a picture ends in .g; convert it to PNG, or name it in a manifest\n", folder);
+    row("a picture and a colour", u"in/more.colors"_s, "\nPhone #ffffff\n",
+        "in/more.colors:2: has the same identifier 'Phone.g' as in/Phone.png; rename one of them\n", folder);
+    row("no colour", u"in/more.colors"_s, "Base #12345\n", "in/more.colors:1: should be a name and a colour, #rrggbb\n",
+        folder);
+    row("no room", u"in/more.colors"_s, "Base #123456\n",
         "in: the pictures do not fit into 34 x 40; make them smaller or fewer, or give a larger --size\n",
         {u"in"_s, u"--size"_s, u"34x40"_s});
     const QStringList image{u"--image"_s, u"in/Phone.png"_s, u"--rects"_s, u"in/rects"_s};
-    row("no rectangle", "in/rects", "a 1 2 3\n", "in/rects:1: should be a name, x, y, width and height\n", image);
-    row("huge", "in/rects", "a 4294967295 0 1 1\n", "in/rects:1: should be a name, x, y, width and height\n", image);
-    row("empty", "in/rects", "a 1 2 0 4\n", "in/rects:1: nothing is in it; width and height are 1 or more\n", image);
-    row("outside", "in/rects", "#\na 29 0 2 1\n", "in/rects:2: it reaches out of the image, which has 30 x 20 pixels\n",
-        image);
-    row("twice", "in/rects", "a 0 0 1 1\na.g 0 0 2 2\n",
+    row("no rectangle", u"in/rects"_s, "a 1 2 3\n", "in/rects:1: should be a name, x, y, width and height\n", image);
+    row("huge", u"in/rects"_s, "a 4294967295 0 1 1\n", "in/rects:1: should be a name, x, y, width and height\n", image);
+    row("empty", u"in/rects"_s, "a 1 2 0 4\n", "in/rects:1: nothing is in it; width and height are 1 or more\n", image);
+    row("outside", u"in/rects"_s, "#\na 29 0 2 1\n",
+        "in/rects:2: it reaches out of the image, which has 30 x 20 pixels\n", image);
+    row("twice", u"in/rects"_s, "a 0 0 1 1\na.g 0 0 2 2\n",
         "in/rects:2: has the same identifier 'a.g' as in/rects:1; rename one of them\n", image);
-    row("no such image", "in/rects", "a 0 0 1 1\n", "none.png: open: No such file or directory; check the name\n",
+    row("no such image", u"in/rects"_s, "a 0 0 1 1\n", "none.png: open: No such file or directory; check the name\n",
         {u"--image"_s, u"none.png"_s, u"--rects"_s, u"in/rects"_s});
 }
 
@@ -183,14 +176,13 @@ void TstTyxSkin::faultsAreNamed()
     Outcome outcome = tyx("verify t.skn");
     QCOMPARE(outcome.status, 1);
     QCOMPARE(outcome.out,
-        QByteArray("ok     header, identifiers, hash table and data are as writers make them\n"
-                   "ok     the image has 30 x 20 pixels\n"
-                   "wrong  the rectangle of 'none.g' is empty: 1 1 0 1\n"
-                   "wrong  the rectangle of 'out.g' reaches out of the image: 4294967295 0 1 1\n"
-                   "wrong  the rectangle of 'part.g' reaches out of the image: 28 18 4 4\n"));
+        "ok     header, identifiers, hash table and data are as writers make them\n"
+        "ok     the image has 30 x 20 pixels\n"
+        "wrong  the rectangle of 'none.g' is empty: 1 1 0 1\n"
+        "wrong  the rectangle of 'out.g' reaches out of the image: 4294967295 0 1 1\n"
+        "wrong  the rectangle of 'part.g' reaches out of the image: 28 18 4 4\n");
     outcome = tyx("extract t.skn out part.g out.g");
-    QCOMPARE(
-        outcome.err, QByteArray("tyx: t.skn: 'out.g' was not extracted: its rectangle has nothing of the image\n"));
+    QCOMPARE(outcome.err, "tyx: t.skn: 'out.g' was not extracted: its rectangle has nothing of the image\n");
     QCOMPARE(QImage(u"out/part.png"_s).size(), QSize(2, 2));
 
     fill(u"in/text"_s, "text");
@@ -199,12 +191,11 @@ void TstTyxSkin::faultsAreNamed()
     const QJsonDocument checks = tyx.json("verify t.skn");
     QVERIFY(!checks[u"sound"].toBool());
     QVERIFY(checks[u"checks"][0][u"sound"].toBool() && !checks[u"checks"][1][u"sound"].toBool());
-    QCOMPARE(tyx("list t.skn").out, QByteArray("# no image, 4 bytes\n"));
+    QCOMPARE(tyx("list t.skn").out, "# no image, 4 bytes\n");
     QVERIFY(!tyx.json("list t.skn").object().contains(u"width"_s));
-    QCOMPARE(tyx("extract t.skn out").err,
-        QByteArray("tyx: t.skn: its image does not decode; tyx skin verify tells more\n"));
+    QCOMPARE(tyx("extract t.skn out").err, "tyx: t.skn: its image does not decode; tyx skin verify tells more\n");
     fill(u"t.skn"_s, content(u"t.skn"_s).first(100));
-    QCOMPARE(tyx("verify t.skn").out, QByteArray("wrong  byte 16: the start block is behind the end of the file\n"));
+    QCOMPARE(tyx("verify t.skn").out, "wrong  byte 16: the start block is behind the end of the file\n");
 }
 
 void TstTyxSkin::skinsAreCompared()
@@ -235,8 +226,8 @@ void TstTyxSkin::skinsAreCompared()
     const Outcome outcome = tyx("diff t.skn other.skn");
     QCOMPARE(outcome.status, 1);
     QCOMPARE(outcome.out,
-        QByteArray("added    added.g\nchanged  changed.g\nmoved    moved.g\nremoved  removed.g\n"
-                   "size     128 x 64, was 64 x 64\n"));
+        "added    added.g\nchanged  changed.g\nmoved    moved.g\nremoved  removed.g\n"
+        "size     128 x 64, was 64 x 64\n");
 }
 
 void TstTyxSkin::aSheetShowsThem()
@@ -244,7 +235,7 @@ void TstTyxSkin::aSheetShowsThem()
     QVERIFY(picture(300, 500).save(u"in/large.png"_s));
     QCOMPARE(tyx("create t.skn in").status, 0);
     const Outcome outcome = tyx("sheet t.skn out/sheet.png");
-    QCOMPARE(outcome.err, QByteArray());
+    QCOMPARE(outcome.err, "");
     QCOMPARE(outcome.status, 0);
     const QImage all(u"out/sheet.png"_s);
     QCOMPARE(all.width(), 960);

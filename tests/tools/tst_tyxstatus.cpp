@@ -1,4 +1,5 @@
 // tyx status, without a phone and on a whole one.
+#include "tests/support/columns.h"
 #include "tests/support/peerprocess.h"
 #include "tests/support/tyxtool.h"
 
@@ -62,17 +63,15 @@ void TstTyxStatus::withoutATableTheCureIsNamed()
 
 void TstTyxStatus::fieldsAreSetAndRead_data()
 {
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QByteArray>("printed");
-    QTest::newRow("number") << u"battery-level"_s << u"010"_s << QByteArray("10");
-    QTest::newRow("hexadecimal") << u"blending-color"_s << u"0x00ff8000"_s << QByteArray("0x00ff8000");
-    QTest::newRow("largest") << u"country"_s << u"4294967295"_s << QByteArray("0xffffffff");
-    QTest::newRow("switch") << u"charging"_s << u"1"_s << QByteArray("1");
-    QTest::newRow("several numbers") << u"touch-sound"_s << u"1,70000"_s << QByteArray("1,0x00011170");
-    QTest::newRow("text") << u"service-name"_s << u"Öst Netz"_s << QByteArray("Öst Netz");
-    QTest::newRow("as much text as fits") << u"network-id"_s << u"123456789012345"_s << QByteArray("123456789012345");
-    QTest::newRow("no text") << u"network-id"_s << u""_s << QByteArray("");
+    const auto row = columns<QString, QString, QByteArray>("field", "value", "printed");
+    row("number", u"battery-level"_s, u"010"_s, "10");
+    row("hexadecimal", u"blending-color"_s, u"0x00ff8000"_s, "0x00ff8000");
+    row("largest", u"country"_s, u"4294967295"_s, "0xffffffff");
+    row("switch", u"charging"_s, u"1"_s, "1");
+    row("several numbers", u"touch-sound"_s, u"1,70000"_s, "1,0x00011170");
+    row("text", u"service-name"_s, u"Öst Netz"_s, "Öst Netz");
+    row("as much text as fits", u"network-id"_s, u"123456789012345"_s, "123456789012345");
+    row("no text", u"network-id"_s, u""_s, "");
 }
 
 void TstTyxStatus::fieldsAreSetAndRead()
