@@ -1,4 +1,5 @@
 // Both families of readers and writers, on real files.
+#include "tests/support/columns.h"
 #include "tests/support/standarderror.h"
 
 #include <PixmapName>
@@ -63,11 +64,11 @@ template <typename Writer, typename Reader> void answersAsItShould()
     Reader reader(kFile);
     QVERIFY(reader.exists(u"a.g"_s));
     QVERIFY(!reader.exists(u"A.g"_s));
-    QCOMPARE(dataOf(reader, u"a.g"_s), QByteArray("image"));
-    QCOMPARE(dataOf(reader, u"\u00e9.g"_s), QByteArray("latin"));
-    QCOMPARE(dataOf(reader, u"?"_s), QByteArray("other"));
-    QCOMPARE(dataOf(reader, u"b.a"_s), QByteArray("a later sound"));
-    QCOMPARE(dataOf(reader, QString()), QByteArray("(none)"));
+    QCOMPARE(dataOf(reader, u"a.g"_s), "image");
+    QCOMPARE(dataOf(reader, u"\u00e9.g"_s), "latin");
+    QCOMPARE(dataOf(reader, u"?"_s), "other");
+    QCOMPARE(dataOf(reader, u"b.a"_s), "a later sound");
+    QCOMPARE(dataOf(reader, QString()), "(none)");
     QCOMPARE(idsOf(reader), QStringList({u"?"_s, u"a.g"_s, u"b.a"_s, u"b.a"_s, u"\u00e9.g"_s}));
     QStringList slots;
     for (unsigned int slot = 0; slot < 8; ++slot) // 5 resources have 6
@@ -77,16 +78,16 @@ template <typename Writer, typename Reader> void answersAsItShould()
     const char *data = nullptr;
     unsigned int length = 0;
     QVERIFY(reader.getDataAtOffset(0, data, length));
-    QCOMPARE(QByteArray(data, qsizetype(length)), QByteArray("other"));
+    QCOMPARE(QByteArray(data, qsizetype(length)), "other");
     QVERIFY(!reader.getDataAtOffset(1, data, length));
     QVERIFY(!data);
 
     // Who has the file in memory keeps it when it is written again.
     QVERIFY(reader.get(u"a.g"_s, data, length));
     writeFile<Writer>({{u"a.g"_s, "IMAGE"}});
-    QCOMPARE(QByteArray(data, qsizetype(length)), QByteArray("image"));
+    QCOMPARE(QByteArray(data, qsizetype(length)), "image");
     QVERIFY(reader.load());
-    QCOMPARE(dataOf(reader, u"a.g"_s), QByteArray("IMAGE"));
+    QCOMPARE(dataOf(reader, u"a.g"_s), "IMAGE");
 
     reader.reset();
     QVERIFY(!reader.exists(u"a.g"_s) && reader.getFirstID().isNull() && reader.getID(0).isNull());
@@ -95,7 +96,7 @@ template <typename Writer, typename Reader> void answersAsItShould()
     QVERIFY(reader.load() && reader.exists(u"a.g"_s));
     QVERIFY(!reader.init(u"/tmp/none.tyx"_s));
     QCOMPARE(reader.fileName(), u"/tmp/none.tyx"_s);
-    QCOMPARE(dataOf(reader, u"a.g"_s), QByteArray("(none)"));
+    QCOMPARE(dataOf(reader, u"a.g"_s), "(none)");
     QVERIFY(QFile::remove(kFile));
 }
 
@@ -188,7 +189,7 @@ void TstResFiles::namesThatAreNoFiles()
             QVERIFY2(!reader.load(), qPrintable(name));
             QVERIFY(!reader.exists(u"a"_s));
             QVERIFY(!reader.exists(QString()));
-            QCOMPARE(dataOf(reader, u"a"_s), QByteArray("(none)"));
+            QCOMPARE(dataOf(reader, u"a"_s), "(none)");
             QVERIFY(reader.getFirstID().isNull() && reader.getID(0).isNull());
         }
     });
@@ -197,14 +198,14 @@ void TstResFiles::namesThatAreNoFiles()
 
 void TstResFiles::firstAndLaterAnswersAgree_data()
 {
-    QTest::addColumn<QStringList>("ids");
-    QTest::newRow("none") << QStringList();
-    QTest::newRow("one, empty") << QStringList(QString());
-    QTest::newRow("short chains") << QStringList{u"a"_s, u"ab"_s, u"b"_s, u"xyz.g"_s, QString(300, u'x')};
+    const auto row = columns<QStringList>("ids");
+    row("none", {});
+    row("one, empty", QStringList(QString()));
+    row("short chains", QStringList{u"a"_s, u"ab"_s, u"b"_s, u"xyz.g"_s, QString(300, u'x')});
     QStringList chain;
     for (int number = 0; number < 300; ++number)
         chain.append(u"icon_%1.g"_s.arg(number, 6, 10, QChar(u'0')));
-    QTest::newRow("long chains, around the end") << chain;
+    row("long chains, around the end", chain);
 }
 
 // The first questions are answered by reading, later ones by a mapping: of sound files and of damaged ones.
@@ -244,7 +245,7 @@ void TstResFiles::aFileThatIsCutShort()
         const QByteArray before = content(kFile);
         ZResFileReader reader(kFile);
         QVERIFY(QFile::resize(kFile, size));
-        QCOMPARE(dataOf(reader, u"a"_s), QByteArray("(none)"));
+        QCOMPARE(dataOf(reader, u"a"_s), "(none)");
         QVERIFY(reader.getFirstID().isNull());
         QVERIFY(!reader.exists(u"a"_s));
         fill(kFile, before);
@@ -257,9 +258,9 @@ void TstResFiles::aFileThatIsCutShort()
     unsigned int length = 0;
     QVERIFY(reader.get(u"b"_s, data, length));
     QVERIFY(QFile::resize(kFile, 0));
-    QCOMPARE(QByteArray(data, qsizetype(length)), QByteArray("small"));
-    QCOMPARE(dataOf(reader, u"b"_s), QByteArray("small"));
-    QCOMPARE(dataOf(reader, u"a"_s), QByteArray("(none)"));
+    QCOMPARE(QByteArray(data, qsizetype(length)), "small");
+    QCOMPARE(dataOf(reader, u"b"_s), "small");
+    QCOMPARE(dataOf(reader, u"a"_s), "(none)");
 }
 
 void TstResFiles::theIconsOfThePhone()
@@ -275,17 +276,17 @@ void TstResFiles::theIconsOfThePhone()
 
 void TstResFiles::pixmaps_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QSize>("size"); // empty: it is none
+    // size: empty when it is none
+    const auto row = columns<QByteArray, QSize>("bytes", "size");
     for (const char *format : {"PNG", "JPG", "BMP", "XPM"})
-        QTest::newRow(format) << encoded({3, 2}, format) << QSize(3, 2);
+        row(format, encoded({3, 2}, format), QSize(3, 2));
     QByteArray huge = encoded({1, 1}, "BMP");
     huge.replace(18, 8, QByteArray("\xA0\x86\x01\x00\xA0\x86\x01\x00", 8)); // 100 000 in each direction
-    QTest::newRow("huge") << huge << QSize(0, 0);
-    QTest::newRow("huge XPM") << encoded({1, 1}, "XPM").replace("1 1 1", "100000 100000 1") << QSize(0, 0);
-    QTest::newRow("cut off") << encoded({30, 20}, "PNG").first(40) << QSize(0, 0);
-    QTest::newRow("no image") << QByteArray("RIFF") << QSize(0, 0);
-    QTest::newRow("nothing") << QByteArray() << QSize(0, 0);
+    row("huge", huge, QSize(0, 0));
+    row("huge XPM", encoded({1, 1}, "XPM").replace("1 1 1", "100000 100000 1"), QSize(0, 0));
+    row("cut off", encoded({30, 20}, "PNG").first(40), QSize(0, 0));
+    row("no image", "RIFF", QSize(0, 0));
+    row("nothing", {}, QSize(0, 0));
 }
 
 void TstResFiles::pixmaps()

@@ -1,5 +1,6 @@
 // The writer of skin files, on real files.
 #include "res/files/mappedfile.h"
+#include "tests/support/columns.h"
 #include "tests/support/standarderror.h"
 
 #include <QDir>
@@ -42,25 +43,18 @@ void TstSkinFileWriter::writesRectanglesAndImage()
 
 void TstSkinFileWriter::failuresAreTold_data()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("image");
-    QTest::addColumn<QByteArray>("printed"); // besides the number of pictures
-    QTest::addColumn<QString>("error");
-    QTest::newRow("no image") << u"/tmp/t.skn"_s << QString()
-                              << QByteArray("writeData: fatal error, skin filename is NULL\n")
-                              << u"no file name of the image"_s;
-    QTest::newRow("image is missing") << u"/tmp/t.skn"_s << u"/tmp/none.png"_s
-                                      << QByteArray("writeData: error opening file /tmp/none.png\n")
-                                      << u"/tmp/none.png: open: No such file or directory"_s;
-    QTest::newRow("image is a FIFO") << u"/tmp/t.skn"_s << u"/dev/keypad0"_s
-                                     << QByteArray("writeData: error opening file /dev/keypad0\n")
-                                     << u"/dev/keypad0: open: Invalid argument"_s;
-    QTest::newRow("image is too large") << u"/tmp/t.skn"_s << u"/tmp/large"_s
-                                        << QByteArray("readFile: error reading file /tmp/large\n")
-                                        << u"/tmp/large: read: File too large"_s;
-    QTest::newRow("no file") << QString() << u"/tmp/image"_s << QByteArray() << u"no file name"_s;
-    QTest::newRow("no folder") << u"/tmp/none/t.skn"_s << u"/tmp/image"_s << QByteArray()
-                               << u"open: No such file or directory"_s;
+    // printed: besides the number of pictures
+    const auto row = columns<QString, QString, QByteArray, QString>("file", "image", "printed", "error");
+    row("no image", u"/tmp/t.skn"_s, {}, "writeData: fatal error, skin filename is NULL\n",
+        u"no file name of the image"_s);
+    row("image is missing", u"/tmp/t.skn"_s, u"/tmp/none.png"_s, "writeData: error opening file /tmp/none.png\n",
+        u"/tmp/none.png: open: No such file or directory"_s);
+    row("image is a FIFO", u"/tmp/t.skn"_s, u"/dev/keypad0"_s, "writeData: error opening file /dev/keypad0\n",
+        u"/dev/keypad0: open: Invalid argument"_s);
+    row("image is too large", u"/tmp/t.skn"_s, u"/tmp/large"_s, "readFile: error reading file /tmp/large\n",
+        u"/tmp/large: read: File too large"_s);
+    row("no file", {}, u"/tmp/image"_s, {}, u"no file name"_s);
+    row("no folder", u"/tmp/none/t.skn"_s, u"/tmp/image"_s, {}, u"open: No such file or directory"_s);
 }
 
 void TstSkinFileWriter::failuresAreTold()
@@ -80,7 +74,7 @@ void TstSkinFileWriter::failuresAreTold()
     QString error;
     QVERIFY(!writer.save(&error));
     QTEST(error, "error");
-    QCOMPARE(content(u"/tmp/t.skn"_s), QByteArray("old"));
+    QCOMPARE(content(u"/tmp/t.skn"_s), "old");
 }
 
 QTEST_MAIN(TstSkinFileWriter)

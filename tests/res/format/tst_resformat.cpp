@@ -4,6 +4,7 @@
 #include "res/format/resbuilder.h"
 #include "res/format/rescheck.h"
 #include "res/format/resid.h"
+#include "tests/support/columns.h"
 
 #include <QTest>
 #include <random>
@@ -60,7 +61,6 @@ private Q_SLOTS:
     void identifiers();
     void hashes();
     void goldenBytes();
-    void headersDescribeTheFormat();
     void damage_data();
     void damage();
     void probing_data();
@@ -101,7 +101,7 @@ void TstResFormat::hashes()
 
 void TstResFormat::goldenBytes()
 {
-    QCOMPARE(kSample.first(16), QByteArray("kovaskin\n\nv1.00\n"));
+    QCOMPARE(kSample.first(16), "kovaskin\n\nv1.00\n");
     QCOMPARE(kSample.mid(16, 8), QByteArray::number(kStart, 16).rightJustified(8, '0'));
     const QByteArray empty(12, '\xFF');
     // The hashes of "a.g", "b.a" and "c" are 0x1BF, 0x1B5 and 0x63; of 4 slots they get 3, 1 and, after 3, slot 0.
@@ -119,7 +119,7 @@ void TstResFormat::goldenBytes()
     const auto skin = res::buildHead(Version::Skin, rects, 13);
     QVERIFY(skin);
     const auto text = res::headerText(Version::Skin);
-    QCOMPARE(skin->bytes.first(16), QByteArray("kovaskin\n\nv1.10\n"));
+    QCOMPARE(skin->bytes.first(16), "kovaskin\n\nv1.10\n");
     const qsizetype start = skin->bytes.mid(16, 8).toLongLong(nullptr, 16);
     QCOMPARE(start, (text.size() + 5 + 3) / 4 * 4);
     QCOMPARE(skin->startBlockMoved, start != text.size() + 5);
@@ -133,27 +133,17 @@ void TstResFormat::goldenBytes()
     QVERIFY(res::ResIndex::parse(bytesOf(capital), Version::Resources));
 }
 
-void TstResFormat::headersDescribeTheFormat()
-{
-    for (const Version version : {Version::Resources, Version::Skin}) {
-        const QByteArrayView text = res::headerText(version);
-        QCOMPARE(text.first(24).toByteArray(), res::magic(version).toByteArray() + "XXXXXXXX");
-        QVERIFY(text.endsWith("\nID table:\n\n"));
-    }
-}
-
 void TstResFormat::damage_data()
 {
     using Fault = res::FormatFault;
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<int>("fault"); // of parse(); -1: it reads, and "a.g" has what stands in the next column
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<quint64>("flaw"); // where check() sees it
-    const auto row = [](const char *name, const QByteArray &file, Fault fault, qsizetype flaw) {
-        QTest::newRow(name) << file << int(fault) << QByteArray() << quint64(flaw);
+    // fault: of parse(); -1: it reads, and "a.g" has what stands in the next column
+    // flaw: where check() sees it
+    const auto add = columns<QByteArray, int, QByteArray, quint64>("file", "fault", "data", "flaw");
+    const auto row = [&](const char *name, const QByteArray &file, Fault fault, qsizetype flaw) {
+        add(name, file, int(fault), {}, quint64(flaw));
     };
-    const auto reads = [](const char *name, const QByteArray &file, const char *data, qsizetype flaw) {
-        QTest::newRow(name) << file << -1 << QByteArray(data) << quint64(flaw);
+    const auto reads = [&](const char *name, const QByteArray &file, const char *data, qsizetype flaw) {
+        add(name, file, -1, data, quint64(flaw));
     };
     const auto with = [](qsizetype at, const QByteArray &bytes) {
         return QByteArray(kSample).replace(at, bytes.size(), bytes);
@@ -209,12 +199,8 @@ void TstResFormat::damage()
 
 void TstResFormat::probing_data()
 {
-    QTest::addColumn<QList<QByteArray>>("stored");
-    QTest::addColumn<QByteArray>("asked");
-    QTest::addColumn<QByteArray>("found"); // each identifier's data are the identifier
-    const auto row = [](const char *name, const QList<QByteArray> &stored, const QByteArray &asked, const char *found) {
-        QTest::newRow(name) << stored << asked << QByteArray(found);
-    };
+    // found: each identifier's data are the identifier
+    const auto row = columns<QList<QByteArray>, QByteArray, QByteArray>("stored", "asked", "found");
     row("the first of one hash", {"ab", "bd"}, "ab", "ab");
     row("the second of one hash", {"ab", "bd"}, "bd", "bd");
     row("around the end", {"c", "g", "k"}, "k", "k"); // 4 slots, all three have 3 for their own
@@ -275,12 +261,12 @@ void TstResFormat::aTableHasRoomForItsResourcesOnly()
 
 void TstResFormat::whatIsBuiltIsFound_data()
 {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QByteArray>("prefix"); // null: random identifiers
+    // prefix: null for random identifiers
+    const auto row = columns<int, QByteArray>("count", "prefix");
     for (const int count : {0, 1, 2, 3, 6, 100, 1000})
         QTest::addRow("%d random", count) << count << QByteArray();
-    QTest::newRow("one long chain") << 3000 << QByteArray("icon_00");
-    QTest::newRow("a long chain of long names") << 300 << QByteArray(300, 'n');
+    row("one long chain", 3000, "icon_00");
+    row("a long chain of long names", 300, QByteArray(300, 'n'));
 }
 
 // Asked twice: the walk answers first, and after enough steps the index does.
@@ -305,7 +291,7 @@ void TstResFormat::whatIsBuiltIsFound()
         for (const auto &[id, content] : resources) {
             QCOMPARE(dataOf(*index, id), content);
             QCOMPARE(names.find(*index, res::hashVal(id), id), index->find(id));
-            QCOMPARE(dataOf(*index, QByteArray(id + "\1")), QByteArray("(none)"));
+            QCOMPARE(dataOf(*index, QByteArray(id + "\1")), "(none)");
         }
     }
     const auto flaw = res::check(bytesOf(file), Version::Resources);

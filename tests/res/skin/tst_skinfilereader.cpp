@@ -4,6 +4,7 @@
 #include "res/share/util_shareimage.h"
 #include "res/skin/skincut.h"
 #include "res/skin/util_skinfilereader.h"
+#include "tests/support/columns.h"
 #include "tests/support/standarderror.h"
 
 using namespace Qt::StringLiterals;
@@ -100,10 +101,8 @@ void TstSkinFileReader::initTestCase()
 
 void TstSkinFileReader::failures_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("bytes"); // of the file, when it is "/tmp/bad"
-    QTest::addColumn<QByteArray>("message");
-    QTest::addColumn<bool>("loaded");
+    // bytes: of the file, when it is "/tmp/bad"
+    const auto add = columns<QString, QByteArray, QByteArray, bool>("name", "bytes", "message", "loaded");
     const QString bad = u"/tmp/bad"_s;
     const QByteArray good = content(kFile);
     const qsizetype start = good.mid(16, 8).toInt(nullptr, 16);
@@ -113,12 +112,11 @@ void TstSkinFileReader::failures_data()
         return QByteArray(good).replace(at, bytes.size(), bytes);
     };
     const auto row = [&](const char *name, const QByteArray &bytes, const char *message) {
-        QTest::newRow(name) << bad << bytes << QByteArray(message) << false;
+        add(name, bad, bytes, message, false);
     };
-    QTest::newRow("no name") << QString() << QByteArray() << QByteArray("File Name is NULL\n") << false;
-    QTest::newRow("missing") << u"/tmp/none.skn"_s << QByteArray() << QByteArray("could not open /tmp/none.skn\n")
-                             << false;
-    QTest::newRow("cannot be sought") << u"/dev/keypad0"_s << QByteArray() << QByteArray() << false;
+    add("no name", {}, {}, "File Name is NULL\n", false);
+    add("missing", u"/tmp/none.skn"_s, {}, "could not open /tmp/none.skn\n", false);
+    add("cannot be sought", u"/dev/keypad0"_s, {}, {}, false);
     row("cannot be mapped", {}, "i/o error\n");
     row("magic", with(13, "00"), "header bytes don't match\n");
     row("short", good.first(10), "header bytes don't match\n");
@@ -143,7 +141,7 @@ void TstSkinFileReader::failures_data()
     moved.replace(16, 8, QByteArray::number(start + 1, 16).rightJustified(8, '0'));
     moved.replace(start + 1 + 12, 4, word(wordAt(start + 12) + 1))
         .replace(start + 1 + 16, 4, word(wordAt(start + 16) + 1));
-    QTest::newRow("odd place") << bad << moved << QByteArray("start block not aligned properly\n") << true;
+    add("odd place", bad, moved, "start block not aligned properly\n", true);
 }
 
 void TstSkinFileReader::failures()
