@@ -1,6 +1,7 @@
 #include "settings/status/statuslayout.h"
 #include "settings/status/switchprobe.h"
 #include "settings/status/systemstatus.h"
+#include "tests/support/columns.h"
 #include "tests/support/standarderror.h"
 
 #include <QTest>
@@ -157,7 +158,6 @@ class TstSystemStatus : public QObject {
 private Q_SLOTS:
     void init();
     void cleanup();
-    void aNumberTouchesItsOwnBytesAlone_data();
     void aNumberTouchesItsOwnBytesAlone();
     void someSwitchesAreTrueForOneOnly();
     void whatIsOutOfRangeIsClamped();
@@ -193,33 +193,23 @@ void TstSystemStatus::cleanup()
     ::unlink(kKeyFile);
 }
 
-void TstSystemStatus::aNumberTouchesItsOwnBytesAlone_data()
-{
-    QTest::addColumn<int>("index");
-    for (std::size_t i = 0; i < pairs().size(); ++i)
-        QTest::newRow(pairs()[i].name) << int(i);
-}
-
 void TstSystemStatus::aNumberTouchesItsOwnBytesAlone()
 {
-    QFETCH(int, index);
-    const Pair &pair = pairs()[size_t(index)];
-    const status::Row &row = pair.row;
-    Bytes table;
-    table.fill();
-    QByteArray expected = table.at(0, status::kTableBytes);
-    pair.set(0x84838281);
-    const quint32 value = row.max == 1 ? 1 : 0x84838281 & row.max;
-    for (std::size_t i = 0; i < row.size(); ++i)
-        expected[qsizetype(row.offset) + qsizetype(i)] = char(value >> (8 * i));
-    QCOMPARE(table.at(0, status::kTableBytes), expected);
-    QCOMPARE(pair.get(), value);
-    pair.set(0);
-    QCOMPARE(table.at(row.offset, qsizetype(row.size())), QByteArray(qsizetype(row.size()), '\0'));
-    QCOMPARE(pair.get(), 0U);
-    UTIL_ReleaseSystemTable();
-    pair.set(1);
-    QCOMPARE(pair.get(), row.absent);
+    for (const Pair &pair : pairs()) {
+        const status::Row &row = pair.row;
+        Bytes table;
+        table.fill();
+        QByteArray expected = table.at(0, status::kTableBytes);
+        pair.set(0x84838281);
+        const quint32 value = row.max == 1 ? 1 : 0x84838281 & row.max;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            expected[qsizetype(row.offset) + qsizetype(i)] = char(value >> (8 * i));
+        QVERIFY2(table.at(0, status::kTableBytes) == expected, pair.name);
+        QVERIFY2(pair.get() == value, pair.name);
+        pair.set(0);
+        QVERIFY2(table.at(row.offset, qsizetype(row.size())) == QByteArray(qsizetype(row.size()), '\0'), pair.name);
+        QVERIFY2(pair.get() == 0, pair.name);
+    }
 }
 
 void TstSystemStatus::someSwitchesAreTrueForOneOnly()
@@ -449,11 +439,10 @@ void TstSystemStatus::headsetAndFlipComeFromTheProbe()
 
 void TstSystemStatus::withoutATableNothingHappens_data()
 {
-    QTest::addColumn<bool>("keyFile");
-    QTest::addColumn<int>("segment");
-    QTest::newRow("no key file") << false << 0;
-    QTest::newRow("no segment") << true << 0;
-    QTest::newRow("a segment that is too small") << true << 4095;
+    const auto row = columns<bool, int>("keyFile", "segment");
+    row("no key file", false, 0);
+    row("no segment", true, 0);
+    row("a segment that is too small", true, 4095);
 }
 
 void TstSystemStatus::withoutATableNothingHappens()
@@ -534,12 +523,10 @@ void TstSystemStatus::theApplicationManagersLookupMakesItsTable()
 
 void TstSystemStatus::failuresOfCreationAreTold_data()
 {
-    QTest::addColumn<Create>("create");
-    QTest::addColumn<char>("project");
-    QTest::addColumn<QByteArray>("fatal");
-    QTest::newRow("system") << Create(UTIL_CreateSystemStatusTable) << 'm' << QByteArray("System table in error...");
-    QTest::newRow("application manager") << Create(UTIL_CreateApplicationManagerStatusTable) << 'n'
-                                         << QByteArray("Application Manager table in error...");
+    const auto row = columns<Create, char, QByteArray>("create", "project", "fatal");
+    row("system", Create(UTIL_CreateSystemStatusTable), 'm', "System table in error...");
+    row("application manager", Create(UTIL_CreateApplicationManagerStatusTable), 'n',
+        "Application Manager table in error...");
 }
 
 void TstSystemStatus::thereMayBeNoMemoryForATable()
