@@ -27,7 +27,6 @@ private Q_SLOTS:
     void refusedSenderIsToldWhy();
     void listNamesChannelsAndProcesses();
     void monitorShowsWhatOthersSend();
-    void describeTellsWhatIsAskedFor_data();
     void describeTellsWhatIsAskedFor();
     void waitEndsWhenTheChannelAppearsOrInTime();
     void impossibleNumbersAreRefused();
@@ -199,27 +198,23 @@ void TstTyxBus::monitorShowsWhatOthersSend()
     QCOMPARE(asJson.readAllStandardOutput(), expected);
 }
 
-void TstTyxBus::describeTellsWhatIsAskedFor_data()
-{
-    const auto row = columns<QString, int, QByteArray>("about", "rows", "part");
-    row("a message", QStringLiteral("modifytimezone"), 1, "TYX/System\n  modifytimezone int:h int:m int:s  -- sets TZ");
-    row("on two channels, nearly", QStringLiteral("Shutdown"), 2, "TYX/System\n  shutdown()  -- ");
-    row("a channel", QStringLiteral("/TYX/Volume"), 2, "  RKeyPress int:key  -- ");
-    row("a pattern", QStringLiteral("TYX/Tool/PID"), 5, "TYX/Tool/PID\n  raw(");
-    row("nothing", QStringLiteral("?"), 0, {});
-}
-
 void TstTyxBus::describeTellsWhatIsAskedFor()
 {
-    QFETCH(QString, about);
-    QFETCH(int, rows);
-    QFETCH(QByteArray, part);
     m_broker.reset(); // it needs no phone
-    const Outcome text = tyx({QStringLiteral("describe"), about});
-    QCOMPARE(text.status, rows > 0 ? 0 : 1);
-    QVERIFY2(text.out.contains(part), text.out.constData());
-    QCOMPARE(text.out.count(" -- "), rows);
-    QCOMPARE(tyx.json({QStringLiteral("describe"), about}).array().size(), rows);
+    const std::tuple<const char *, int, QByteArray> rows[] = {
+        {"describe modifytimezone", 1, "TYX/System\n  modifytimezone int:h int:m int:s  -- sets TZ"},
+        {"describe Shutdown", 2, "TYX/System\n  shutdown()  -- "}, // nearly, on two channels
+        {"describe /TYX/Volume", 2, "  RKeyPress int:key  -- "},
+        {"describe TYX/Tool/PID", 5, "TYX/Tool/PID\n  raw("},
+        {"describe ?", 0, {}},
+    };
+    for (const auto &[line, count, part] : rows) {
+        const Outcome text = tyx(line);
+        QCOMPARE(text.status, count > 0 ? 0 : 1);
+        QVERIFY2(text.out.contains(part), text.out.constData());
+        QCOMPARE(text.out.count(" -- "), count);
+        QCOMPARE(tyx.json(line).array().size(), count);
+    }
 }
 
 void TstTyxBus::waitEndsWhenTheChannelAppearsOrInTime()

@@ -40,24 +40,23 @@ struct Application : PeerProcess {
     {
         ask("make w main 100 100 red");
         tell("show w");
-        next([](const QByteArray &line) { return line == "w active"; });
+        next("w active");
     }
-    // The next line that is looked for, or what went wrong.
-    template <typename Predicate> QByteArray next(Predicate isIt)
+    // The next line that begins like that, or what went wrong.
+    QByteArray next(const QByteArray &beginning)
     {
         QByteArray event = line();
-        while (!event.startsWith('(') && !isIt(event))
+        while (!event.startsWith('(') && !event.startsWith(beginning))
             event = line();
         return event;
     }
-    template <typename Predicate> QByteArray input(Predicate isIt) // the same of keys and pen
+    // The next of keys and pen, but for those that begin like `skipped`.
+    QByteArray input(const QByteArray &skipped = "w shown")
     {
-        return next(
-            [&](const QByteArray &line) { return !line.startsWith("w shown") && line != "w active" && isIt(line); });
-    }
-    QByteArray input()
-    {
-        return input([](const QByteArray & /*any*/) { return true; });
+        QByteArray event = line();
+        while (event.startsWith("w shown") || event == "w active" || event.startsWith(skipped))
+            event = line();
+        return event;
     }
 };
 
@@ -167,8 +166,7 @@ void TstTyxPhone::keysAndPenReachTheApplication()
     QCOMPARE(application.input(), "w press 16777234  0 0");
     QCOMPARE(application.input(), "w press 16777234  0 1"); // the phone repeats what is held
     QTest::mouseRelease(&view(), Qt::LeftButton, {}, QPoint(0, 0));
-    QCOMPARE(application.input([](const QByteArray &line) { return line != "w press 16777234  0 1"; }),
-        "w release 16777234");
+    QCOMPARE(application.input("w press 16777234  0 1"), "w release 16777234");
 
     QTest::keyPress(&view(), Qt::Key_5);
     QCOMPARE(application.input(), "w press 53 35 0 0");
@@ -184,7 +182,7 @@ void TstTyxPhone::keysAndPenReachTheApplication()
     QCOMPARE(application.input(), "w release 35");
 
     QTest::mousePress(&view(), Qt::LeftButton, {}, onScreen(view(), 30, 70));
-    QCOMPARE(application.input([](const QByteArray &line) { return !line.startsWith("w move"); }), "w down 30 50");
+    QCOMPARE(application.input("w move"), "w down 30 50");
     QTest::mouseMove(&view(), onScreen(view(), 200, 300));
     QCOMPARE(application.input(), "w move 200 280");
     QTest::mouseRelease(&view(), Qt::LeftButton, {}, onScreen(view(), 200, 300));
@@ -206,8 +204,7 @@ void TstTyxPhone::theFlipTakesTheKeysAway()
     QTRY_VERIFY(UTIL_GetFlipStatus());
     QTRY_VERIFY(!flip->isChecked());
     QTest::mouseClick(&view(), Qt::LeftButton, {}, on(view(), "6"));
-    QCOMPARE(
-        application.input([](const QByteArray &line) { return line.startsWith("w press 5"); }), "w press 54 36 0 0");
+    QCOMPARE(application.next("w press 5"), "w press 54 36 0 0");
     QTest::mouseClick(&view(), Qt::LeftButton, {}, on(view(), phone::kJack.center()));
     QTRY_VERIFY(UTIL_GetHeadsetStatus());
 }
@@ -253,7 +250,7 @@ void TstTyxPhone::aKilledViewerLetsGo()
 {
     Application application;
     PeerProcess other(u"tst_tyxphone"_s, {u"hold"_s});
-    QCOMPARE(application.input([](const QByteArray &line) { return line.startsWith("w down"); }), "w down 50 100");
+    QCOMPARE(application.next("w down"), "w down 50 100");
     other.kill();
     QByteArrayList ends;
     while (ends.size() < 2) {
@@ -272,9 +269,9 @@ void TstTyxPhone::aStoppedReplayLetsGo()
     fill(u"/tmp/held"_s,
         "tyx-recording 1\n" + QByteArray("0 touch 200 2000 2000\n").repeated(4) + "600000 touch 0 2000 2000\n");
     PeerProcess replay(u"../bin/tyx"_s, {u"keys"_s, u"replay"_s, u"/tmp/held"_s});
-    QVERIFY(application.input([](const QByteArray &line) { return line.startsWith("w down"); }).startsWith("w down"));
+    QVERIFY(application.next("w down").startsWith("w down"));
     ::kill(pid_t(replay.pid()), SIGTERM);
-    const QByteArray end = application.input([](const QByteArray &line) { return !line.startsWith("w move"); });
+    const QByteArray end = application.input("w move");
     QVERIFY2(end.startsWith("w up"), end.constData());
 }
 

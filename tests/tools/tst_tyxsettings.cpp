@@ -1,5 +1,4 @@
 // The real program on a phone's settings: `tyx settings`.
-#include "tests/support/columns.h"
 #include "tests/support/peerprocess.h"
 #include "tests/support/tyxtool.h"
 
@@ -22,7 +21,6 @@ class TstTyxSettings : public QObject {
 
 private Q_SLOTS:
     void init();
-    void setsAndGets_data();
     void setsAndGets();
     void namesWhatFails();
     void whatASecondTrySavesIsDone();
@@ -39,42 +37,40 @@ void TstTyxSettings::init()
     }
 }
 
-void TstTyxSettings::setsAndGets_data()
-{
-    // shown: afterwards
-    const auto add = columns<QString, QString, int, QByteArray>("name", "value", "status", "shown");
-    const auto row = [&](const QString &name, const QString &value, int status, const char *shown) {
-        add(qPrintable(name + u' ' + value), name, value, status, shown);
-    };
-    row(u"bluetooth-name"_s, u"my phone"_s, 0, "my phone");
-    row(u"bluetooth-name"_s, u"my\nphone"_s, 2, "Q300 BT");
-    row(u"lock-code"_s, u""_s, 2, "1234"); // it would mean the default one
-    row(u"bluetooth"_s, u"on"_s, 0, "on");
-    row(u"voice-help"_s, u"0"_s, 0, "off");
-    row(u"bluetooth"_s, u"maybe"_s, 2, "off");
-    row(u"screen-sleep"_s, u"2min"_s, 0, "2min");
-    row(u"screen-sleep"_s, u"300"_s, 0, "5min");
-    row(u"screen-sleep"_s, u"17"_s, 2, "never");
-    row(u"backlight"_s, u"100"_s, 0, "100");
-    row(u"backlight"_s, u"101"_s, 2, "60");
-    row(u"backlight"_s, u"bright"_s, 2, "60");
-    row(u"vibration"_s, u"0x-5"_s, 2, "0");
-    row(u"key-lock-after"_s, u"-7"_s, 0, "-7");
-    row(u"blending-color"_s, u"0x80FFFFFF"_s, 0, "2164260863");
-    row(u"browser-qos-min"_s, u"00FFa0"_s, 0, "00ffa0");
-    row(u"browser-qos-min"_s, u"00F"_s, 2, "");
-}
-
 void TstTyxSettings::setsAndGets()
 {
-    QFETCH(QString, name);
-    QFETCH(QString, value);
-    const Outcome set = settings({u"set"_s, u"--"_s, name, value});
-    QTEST(set.status, "status");
-    QVERIFY(set.out.isEmpty());
-    QVERIFY(set.status == 0 ? set.err.isEmpty() : set.err.contains(name.toUtf8()) && set.err.count('\n') == 1);
-    QFETCH(QByteArray, shown);
-    QCOMPARE(settings({u"get"_s, name}).out, shown + '\n');
+    const struct {
+        QString name;
+        QString value;
+        int status;
+        QByteArray shown; // afterwards
+    } rows[] = {
+        {u"bluetooth-name"_s, u"my phone"_s, 0, "my phone"},
+        {u"bluetooth-name"_s, u"my\nphone"_s, 2, "Q300 BT"},
+        {u"lock-code"_s, u""_s, 2, "1234"}, // it would mean the default one
+        {u"bluetooth"_s, u"on"_s, 0, "on"},
+        {u"voice-help"_s, u"0"_s, 0, "off"},
+        {u"bluetooth"_s, u"maybe"_s, 2, "off"},
+        {u"screen-sleep"_s, u"2min"_s, 0, "2min"},
+        {u"screen-sleep"_s, u"300"_s, 0, "5min"},
+        {u"screen-sleep"_s, u"17"_s, 2, "never"},
+        {u"backlight"_s, u"100"_s, 0, "100"},
+        {u"backlight"_s, u"101"_s, 2, "60"},
+        {u"backlight"_s, u"bright"_s, 2, "60"},
+        {u"vibration"_s, u"0x-5"_s, 2, "0"},
+        {u"key-lock-after"_s, u"-7"_s, 0, "-7"},
+        {u"blending-color"_s, u"0x80FFFFFF"_s, 0, "2164260863"},
+        {u"browser-qos-min"_s, u"00FFa0"_s, 0, "00ffa0"},
+        {u"browser-qos-min"_s, u"00F"_s, 2, ""},
+    };
+    for (const auto &[name, value, status, shown] : rows) {
+        init();
+        const Outcome set = settings({u"set"_s, u"--"_s, name, value});
+        QCOMPARE(set.status, status);
+        QVERIFY(set.out.isEmpty());
+        QVERIFY(status == 0 ? set.err.isEmpty() : set.err.contains(name.toUtf8()) && set.err.count('\n') == 1);
+        QCOMPARE(settings({u"get"_s, name}).out, shown + '\n');
+    }
 }
 
 void TstTyxSettings::namesWhatFails()

@@ -1,5 +1,4 @@
 // tyx status, without a phone and on a whole one.
-#include "tests/support/columns.h"
 #include "tests/support/peerprocess.h"
 #include "tests/support/tyxtool.h"
 
@@ -20,7 +19,6 @@ class TstTyxStatus : public QObject {
 
 private Q_SLOTS:
     void withoutATableTheCureIsNamed();
-    void fieldsAreSetAndRead_data();
     void fieldsAreSetAndRead();
     void wrongValuesAreRefused();
     void everyFieldIsListed();
@@ -61,28 +59,24 @@ void TstTyxStatus::withoutATableTheCureIsNamed()
     QCOMPARE(UTIL_GetPowerOnMode(), 0xFF);
 }
 
-void TstTyxStatus::fieldsAreSetAndRead_data()
-{
-    const auto row = columns<QString, QString, QByteArray>("field", "value", "printed");
-    row("number", u"battery-level"_s, u"010"_s, "10");
-    row("hexadecimal", u"blending-color"_s, u"0x00ff8000"_s, "0x00ff8000");
-    row("largest", u"country"_s, u"4294967295"_s, "0xffffffff");
-    row("switch", u"charging"_s, u"1"_s, "1");
-    row("several numbers", u"touch-sound"_s, u"1,70000"_s, "1,0x00011170");
-    row("text", u"service-name"_s, u"Öst Netz"_s, "Öst Netz");
-    row("as much text as fits", u"network-id"_s, u"123456789012345"_s, "123456789012345");
-    row("no text", u"network-id"_s, u""_s, "");
-}
-
 void TstTyxStatus::fieldsAreSetAndRead()
 {
-    QFETCH(QString, field);
-    QFETCH(QString, value);
-    QFETCH(QByteArray, printed);
-    const Outcome set = status({u"set"_s, field, value});
-    QCOMPARE(set.err, "");
-    QCOMPARE(set.status, 0);
-    QCOMPARE(status({u"get"_s, field}).out, printed + '\n');
+    const std::tuple<QString, QString, QByteArray> rows[] = {
+        {u"battery-level"_s, u"010"_s, "10"},
+        {u"blending-color"_s, u"0x00ff8000"_s, "0x00ff8000"},
+        {u"country"_s, u"4294967295"_s, "0xffffffff"},
+        {u"charging"_s, u"1"_s, "1"},
+        {u"touch-sound"_s, u"1,70000"_s, "1,0x00011170"},
+        {u"service-name"_s, u"Öst Netz"_s, "Öst Netz"},
+        {u"network-id"_s, u"123456789012345"_s, "123456789012345"},
+        {u"network-id"_s, u""_s, ""},
+    };
+    for (const auto &[field, value, printed] : rows) {
+        const Outcome set = status({u"set"_s, field, value});
+        QCOMPARE(set.err, "");
+        QCOMPARE(set.status, 0);
+        QCOMPARE(status({u"get"_s, field}).out, printed + '\n');
+    }
 }
 
 void TstTyxStatus::wrongValuesAreRefused()
