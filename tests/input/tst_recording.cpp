@@ -7,7 +7,6 @@ class TstRecording : public QObject {
 
 private Q_SLOTS:
     void whatIsWrittenIsRead();
-    void errorsNameTheLine_data();
     void errorsNameTheLine();
     void pausesInWhichSomethingIsHeldStay();
 };
@@ -29,26 +28,19 @@ void TstRecording::whatIsWrittenIsRead()
     QCOMPARE(*read, events);
 }
 
-void TstRecording::errorsNameTheLine_data()
+void TstRecording::errorsNameTheLine()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("error");
-    const QString none = QStringLiteral("line 3: this is no event");
-    QTest::newRow("empty") << QByteArray() << QStringLiteral("line 1: a recording begins with \"tyx-recording 1\"");
-    QTest::newRow("back in time") << QByteArray("tyx-recording 1\n5 key button 1\n4 key button 1")
-                                  << QStringLiteral("line 3: it is earlier than the line before");
+    const auto error = [](const QByteArray &text) {
+        const auto read = recording::parse(text);
+        return read ? QString() : read.error();
+    };
+    QCOMPARE(error(""), QStringLiteral("line 1: a recording begins with \"tyx-recording 1\""));
+    QCOMPARE(error("tyx-recording 1\n5 key button 1\n4 key button 1"),
+        QStringLiteral("line 3: it is earlier than the line before"));
     for (const char *line : {"x", "1", "-1 key button 1", "1 key other 1", "1 key button 65536", "1 key button",
              "1 touch 1 2", "1 touch 1 2 -3", "1 message a b", "1 message a - 00", "1 message a b 0", "1 status a 0g",
              "1 other a", "1 key button 1 2", "1000000000001 key button 1", "99999999999999999999 key button 1"})
-        QTest::newRow(line) << QByteArray("tyx-recording 1\n# a word\n") + line << none;
-}
-
-void TstRecording::errorsNameTheLine()
-{
-    QFETCH(QByteArray, text);
-    const auto read = recording::parse(text);
-    QVERIFY(!read);
-    QTEST(read.error(), "error");
+        QVERIFY2(error(QByteArray("tyx-recording 1\n# a word\n") + line) == u"line 3: this is no event", line);
 }
 
 void TstRecording::pausesInWhichSomethingIsHeldStay()

@@ -60,39 +60,27 @@ class TstTouchPanel : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void samplesAreFiltered_data();
     void samplesAreFiltered();
     void aTouchReachesTheApplication();
     void strokesEndWhereThePhoneIsSuspended();
-    void theStoredCalibrationIsRead_data();
     void theStoredCalibrationIsRead();
     void aCalibrationIsSetClearedAndRestored();
     void whoCapturesThePenGetsWhatTheDeviceCounts();
     void aPanelThatCannotBeUsedAsksForCalibration();
 };
 
-void TstTouchPanel::samplesAreFiltered_data()
-{
-    QTest::addColumn<QByteArray>("samples");
-    QTest::addColumn<QByteArray>("moves");
-    const auto row = [](const char *name, const char *samples, const char *moves) {
-        QTest::newRow(name) << QByteArray(samples) << QByteArray(moves);
-    };
-    row("a tap", "90:10,20 90:10,20 90:10,20 0:0,0", "D10,20 U10,20");
-    row("a spike", "90:10,20 0:0,0 90:10,20 90:10,20 0:0,0", "");
-    row("a wild first sample", "90:4000,9 90:10,20 90:12,24", "D12,20");
-    row("a wild sample later", "90:10,20 90:10,20 90:10,20 90:3000,20 90:10,20 90:10,20", "D10,20");
-    row("noise", "90:10,20 90:10,20 90:10,20 90:14,16 90:14,16 90:14,16", "D10,20");
-    row("a stroke", "90:10,20 90:10,20 90:10,20 90:30,20 90:50,20 90:70,20 0:0,0", "D10,20 M30,20 M50,20 U50,20");
-    row("a light touch holds", "90:10,20 90:10,20 90:10,20 12:70,70 8:80,80 90:10,20 7:0,0", "D10,20 U10,20");
-    row("a light touch does not begin", "15:1,1 15:1,1 15:1,1 15:1,1", "");
-    row("a release alone", "0:1,1 0:1,1", "");
-}
-
 void TstTouchPanel::samplesAreFiltered()
 {
-    QFETCH(QByteArray, samples);
-    QTEST(filtered(samples), "moves");
+    QCOMPARE(filtered("90:10,20 90:10,20 90:10,20 0:0,0"), "D10,20 U10,20");
+    QCOMPARE(filtered("90:10,20 0:0,0 90:10,20 90:10,20 0:0,0"), "");
+    QCOMPARE(filtered("90:4000,9 90:10,20 90:12,24"), "D12,20"); // a wild first sample
+    QCOMPARE(filtered("90:10,20 90:10,20 90:10,20 90:3000,20 90:10,20 90:10,20"), "D10,20"); // or later
+    QCOMPARE(filtered("90:10,20 90:10,20 90:10,20 90:14,16 90:14,16 90:14,16"), "D10,20"); // noise
+    QCOMPARE(filtered("90:10,20 90:10,20 90:10,20 90:30,20 90:50,20 90:70,20 0:0,0"), "D10,20 M30,20 M50,20 U50,20");
+    // A light touch holds, but does not begin.
+    QCOMPARE(filtered("90:10,20 90:10,20 90:10,20 12:70,70 8:80,80 90:10,20 7:0,0"), "D10,20 U10,20");
+    QCOMPARE(filtered("15:1,1 15:1,1 15:1,1 15:1,1"), "");
+    QCOMPARE(filtered("0:1,1 0:1,1"), "");
 }
 
 void TstTouchPanel::aTouchReachesTheApplication()
@@ -135,37 +123,30 @@ void TstTouchPanel::strokesEndWhereThePhoneIsSuspended()
     QCOMPARE(client.line(), u"win down 40 %1"_s.arg(200 - kBarHeight));
 }
 
-void TstTouchPanel::theStoredCalibrationIsRead_data()
-{
-    QTest::addColumn<QByteArray>("stored"); // "-": there is no such file, "/": a folder
-    QTest::addColumn<QByteArray>("system");
-    QTest::addColumn<int>("a");
-    QTest::newRow("none") << QByteArray("-") << QByteArray("-") << 1;
-    QTest::newRow("stored") << QByteArray("2 0 0 0 2 0 1") << QByteArray("3 0 0 0 3 0 1") << 2;
-    QTest::newRow("of the system") << QByteArray("-") << QByteArray("3 0 0 0 3 0 1") << 3;
-    QTest::newRow("stored, but nonsense") << QByteArray("x") << QByteArray("3 0 0 0 3 0 1") << 1;
-    QTest::newRow("a folder") << QByteArray("/") << QByteArray("3 0 0 0 3 0 1") << 1;
-    QTest::newRow("empty") << QByteArray("") << QByteArray("-") << 1;
-    QTest::newRow("huge") << QByteArray(100'000, ' ') << QByteArray("-") << 1;
-}
-
 void TstTouchPanel::theStoredCalibrationIsRead()
 {
-    QFETCH(QByteArray, stored);
-    QFETCH(QByteArray, system);
     QDir().mkpath(ZConfig::getSettingDirectory());
-    for (const auto &[path, text] : {std::pair(storedPath(), stored), std::pair(u"/etc/pointercal"_s, system)}) {
-        QDir().rmdir(path);
-        QFile::remove(path);
-        if (text == "/")
-            QVERIFY(QDir().mkdir(path));
-        else if (text != "-")
-            fill(path, text);
-    }
-    TP_Calibration_Parameter_T read;
-    TyxCalibratedTouchPanel().getCalibration(&read);
-    QTEST(read.a, "a");
-    QDir().rmdir(storedPath());
+    // "-": there is no such file, "/": a folder
+    const auto factor = [](const QByteArray &stored, const QByteArray &system) {
+        for (const auto &[path, text] : {std::pair(storedPath(), stored), std::pair(u"/etc/pointercal"_s, system)}) {
+            QDir().rmdir(path);
+            QFile::remove(path);
+            if (text == "/")
+                QDir().mkdir(path);
+            else if (text != "-")
+                fill(path, text);
+        }
+        TP_Calibration_Parameter_T read;
+        TyxCalibratedTouchPanel().getCalibration(&read);
+        return read.a;
+    };
+    QCOMPARE(factor("-", "-"), 1);
+    QCOMPARE(factor("2 0 0 0 2 0 1", "3 0 0 0 3 0 1"), 2);
+    QCOMPARE(factor("-", "3 0 0 0 3 0 1"), 3);
+    QCOMPARE(factor("x", "3 0 0 0 3 0 1"), 1);
+    QCOMPARE(factor("/", "3 0 0 0 3 0 1"), 1);
+    QCOMPARE(factor("", "-"), 1);
+    QCOMPARE(factor(QByteArray(100'000, ' '), "-"), 1);
     QFile::remove(u"/etc/pointercal"_s);
 }
 
