@@ -39,12 +39,6 @@ private:
     uchar *m_bytes;
 };
 
-QStringList context(const ZInputMethodEditContext &context)
-{
-    return context.lines()
-        + QStringList{QString::number(context.cursorLine()), QString::number(context.cursorPosition())};
-}
-
 }
 
 class TstInputMethodState : public QObject {
@@ -56,7 +50,6 @@ private Q_SLOTS:
     void fieldsAreWhereEverybodyExpectsThem();
     void theListHasRoomForTwelve();
     void hostileBytesReadAsNothing();
-    void theContextKeepsWhatIsNearTheCursor_data();
     void theContextKeepsWhatIsNearTheCursor();
     void cleanupTestCase()
     {
@@ -197,33 +190,25 @@ void TstInputMethodState::hostileBytesReadAsNothing()
     }
 }
 
-void TstInputMethodState::theContextKeepsWhatIsNearTheCursor_data()
+void TstInputMethodState::theContextKeepsWhatIsNearTheCursor()
 {
-    QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<QPoint>("cursor"); // line, position
-    QTest::addColumn<QStringList>("kept"); // lines, line, position
-    const auto row = [](const char *name, const QStringList &lines, QPoint cursor, const QStringList &kept) {
-        QTest::newRow(name) << lines << cursor << kept;
+    const auto kept = [this](const QStringList &lines, int line, int position) {
+        m_server->setEditContext(lines, line, position);
+        const ZInputMethodEditContext context = ZInputMethodState().getEditContext();
+        return context.lines()
+            + QStringList{QString::number(context.cursorLine()), QString::number(context.cursorPosition())};
     };
     const QString x(600, u'x');
     const QString pairs = u"\U0001F600"_s.repeated(300);
-    row("none", {}, {3, 3}, {u"0"_s, u"0"_s});
-    row("short", {u"a"_s, u"bc"_s}, {1, 2}, {u"a"_s, u"bc"_s, u"1"_s, u"2"_s});
-    row("outside", {u"a"_s, u"bc"_s}, {9, 9}, {u"a"_s, u"bc"_s, u"1"_s, u"2"_s});
-    row("before", {u"a"_s, u"bc"_s}, {-1, -1}, {u"a"_s, u"bc"_s, u"0"_s, u"0"_s});
-    row("one long line, at its end", {x}, {0, 600}, {x.first(496), u"0"_s, u"496"_s});
-    row("one long line, in its middle", {x}, {0, 300}, {x.first(496), u"0"_s, u"248"_s});
-    row("pairs stay whole", {pairs}, {0, 301}, {pairs.first(494), u"0"_s, u"247"_s});
-    row("neighbours that fit", {x, u"near"_s, u"here"_s, x}, {2, 4}, {u"near"_s, u"here"_s, u"1"_s, u"4"_s});
-}
-
-void TstInputMethodState::theContextKeepsWhatIsNearTheCursor()
-{
-    QFETCH(QStringList, lines);
-    QFETCH(QPoint, cursor);
-    QFETCH(QStringList, kept);
-    m_server->setEditContext(lines, cursor.x(), cursor.y());
-    QCOMPARE(context(ZInputMethodState().getEditContext()), kept);
+    const QStringList two{u"a"_s, u"bc"_s};
+    QCOMPARE(kept({}, 3, 3), (QStringList{u"0"_s, u"0"_s}));
+    QCOMPARE(kept(two, 1, 2), two + QStringList({u"1"_s, u"2"_s}));
+    QCOMPARE(kept(two, 9, 9), two + QStringList({u"1"_s, u"2"_s}));
+    QCOMPARE(kept(two, -1, -1), two + QStringList({u"0"_s, u"0"_s}));
+    QCOMPARE(kept({x}, 0, 600), (QStringList{x.first(496), u"0"_s, u"496"_s}));
+    QCOMPARE(kept({x}, 0, 300), (QStringList{x.first(496), u"0"_s, u"248"_s}));
+    QCOMPARE(kept({pairs}, 0, 301), (QStringList{pairs.first(494), u"0"_s, u"247"_s}));
+    QCOMPARE(kept({x, u"near"_s, u"here"_s, x}, 2, 4), (QStringList{u"near"_s, u"here"_s, u"1"_s, u"4"_s}));
 }
 
 QTEST_APPLESS_MAIN(TstInputMethodState)

@@ -4,7 +4,6 @@
 #include "textinput/predictive/dictionaryformat.h"
 #include "textinput/predictive/wordprediction.h"
 
-#include <QFile>
 #include <QProcess>
 #include <QTest>
 
@@ -20,11 +19,20 @@ bool make(const QByteArray &list)
         == 0;
 }
 
-QByteArray aFewWords()
+auto aFewWords()
 {
-    return "good\t4\nhome\t6\ngone\t9\nhoneymoon\t12\ngo\t1\nin\t3\nit\t1\nit's\t3\ndon't\t5\nhe\t2\nI\t1\n"
-           "no word\t3\n\nx\ty\tz\n"; // the last lines are none
+    const bool isMade =
+        make("good\t4\nhome\t6\ngone\t9\nhoneymoon\t12\ngo\t1\nin\t3\nit\t1\nit's\t3\ndon't\t5\nhe\t2\nI\t1\n"
+             "no word\t3\n\nx\ty\tz\n"); // the last lines are none
+    return isMade ? Dictionary::open(kFile) : nullptr;
 }
+
+// A method that knows them.
+struct Words {
+    Words() { method.setPredictor(&predictor); }
+    Predictor predictor{keyletters::of(u"en"_s), aFewWords()};
+    WordPrediction method;
+};
 
 QStringList texts(const QList<RankedWord> &words)
 {
@@ -44,11 +52,9 @@ private Q_SLOTS:
     void aDictionaryFindsWordsByTheirKeys();
     void manyWordsAreRepresentedByTheBest();
     void damagedDictionariesAreNone();
-    void hostileUserWordsAreLeftOut_data();
     void hostileUserWordsAreLeftOut();
     void userWordsStayFew();
     void whatWasTypedComesFirst();
-    void types_data();
     void types();
     void digitsEndTheWord();
     void lettersWorkWithoutWords();
@@ -58,8 +64,7 @@ private Q_SLOTS:
 
 void TstPrediction::aDictionaryFindsWordsByTheirKeys()
 {
-    QVERIFY(make(aFewWords()));
-    const auto dictionary = Dictionary::open(kFile);
+    const auto dictionary = aFewWords();
     QVERIFY(dictionary);
     QCOMPARE(texts(dictionary->exact("4663")), (QStringList{u"gone"_s, u"good"_s, u"home"_s}));
     QCOMPARE(texts(dictionary->longer("466")), (QStringList{u"gone"_s, u"good"_s, u"home"_s, u"honeymoon"_s}));
@@ -87,10 +92,8 @@ void TstPrediction::manyWordsAreRepresentedByTheBest()
 
 void TstPrediction::damagedDictionariesAreNone()
 {
-    QVERIFY(make(aFewWords()));
-    QFile file(kFile);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray whole = file.readAll();
+    QVERIFY(aFewWords());
+    const QByteArray whole = content(kFile);
     const auto opens = [](const QByteArray &bytes) {
         fill(kFile, bytes);
         return Dictionary::open(kFile) != nullptr;
@@ -107,27 +110,19 @@ void TstPrediction::damagedDictionariesAreNone()
     QVERIFY(!opens(whole + 'x'));
 }
 
-void TstPrediction::hostileUserWordsAreLeftOut_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("in the order of their use")
-        << QByteArray("b\t2\na\t9\na\tb\t3\n") << QByteArray("b\t2\na\t9\na\tb\t3\n");
-    QTest::newRow("no words") << QByteArray("\n\t\n1\t2\na b\t3\n\xff\xfe\t4\n'a\t1\na\t1\t2\t3\n") << QByteArray();
-    QTest::newRow("no uses") << QByteArray("a\nb\t\nc\t0\nd\t-5\ne\t99999999999999\nf\tx\n") << QByteArray();
-    QTest::newRow("too long") << QByteArray(33, 'a') + "\t3\n" + QByteArray(32, 'b') + "\t3"
-                              << QByteArray(32, 'b') + "\t3\n";
-    QTest::newRow("uses have a limit") << QByteArray("a\t2000000000\na\t2000000000") << QByteArray("a\t1000000\n");
-    QTest::newRow("a huge file") << QByteArray("a\t1\n") + QByteArray(UserDictionary::kLargestFile, 'x') + "\nb\t1\n"
-                                 << QByteArray("a\t1\n");
-}
-
 void TstPrediction::hostileUserWordsAreLeftOut()
 {
-    QFETCH(QByteArray, text);
-    UserDictionary words(keyletters::of(u"en"_s));
-    words.read(text);
-    QTEST(words.write(), "kept");
+    const auto kept = [](const QByteArray &text) {
+        UserDictionary words(keyletters::of(u"en"_s));
+        words.read(text);
+        return words.write();
+    };
+    QCOMPARE(kept("b\t2\na\t9\na\tb\t3\n"), "b\t2\na\t9\na\tb\t3\n"); // in the order of their use
+    QCOMPARE(kept("\n\t\n1\t2\na b\t3\n\xff\xfe\t4\n'a\t1\na\t1\t2\t3\n"), ""); // no words
+    QCOMPARE(kept("a\nb\t\nc\t0\nd\t-5\ne\t99999999999999\nf\tx\n"), ""); // no uses
+    QCOMPARE(kept(QByteArray(33, 'a') + "\t3\n" + QByteArray(32, 'b') + "\t3"), QByteArray(32, 'b') + "\t3\n");
+    QCOMPARE(kept("a\t2000000000\na\t2000000000"), "a\t1000000\n");
+    QCOMPARE(kept("a\t1\n" + QByteArray(UserDictionary::kLargestFile, 'x') + "\nb\t1\n"), "a\t1\n");
 }
 
 void TstPrediction::userWordsStayFew()
@@ -152,8 +147,7 @@ void TstPrediction::userWordsStayFew()
 
 void TstPrediction::whatWasTypedComesFirst()
 {
-    QVERIFY(make(aFewWords()));
-    Predictor predictor(keyletters::of(u"en"_s), Dictionary::open(kFile));
+    Predictor predictor(keyletters::of(u"en"_s), aFewWords());
     const auto first = [&](const QString &before) { return predictor.candidates("4663", before).exact.join(u' '); };
     QCOMPARE(first({}), u"good home gone"_s);
     predictor.user().learn(u"At"_s, u"home"_s);
@@ -167,51 +161,41 @@ void TstPrediction::whatWasTypedComesFirst()
     QVERIFY(predictor.candidates("", {}).longer.isEmpty());
 }
 
-void TstPrediction::types_data()
-{
-    QTest::addColumn<QString>("keys");
-    QTest::addColumn<QString>("out");
-    QTest::newRow("the likeliest word") << u"46630"_s << u"good "_s;
-    QTest::newRow("asterisk and up choose another") << u"4663**^0"_s << u"home "_s;
-    QTest::newRow("around") << u"4663*****0"_s << u"home "_s; // three words, and the one they begin
-    QTest::newRow("a beginning is shown as far as it is typed") << u"466"_s << u"[goo]"_s;
-    QTest::newRow("and completed") << u"46639*#"_s << u"honeymoon"_s;
-    QTest::newRow("Backspace takes a key back") << u"466<"_s << u"[go]"_s;
-    QTest::newRow("and what was before when no word is left") << u"46<<<"_s << u"<"_s;
-    QTest::newRow("right and Return end the word") << u"46>48/"_s << u"goit/"_s;
-    QTest::newRow("one is an apostrophe within a word") << u"36618"_s << u"[don't]"_s;
-    QTest::newRow("or the end, when what follows it is taken back") << u"36618<"_s << u"[don.]"_s;
-    QTest::newRow("or ends the sentence") << u"481046"_s << u"it. [Go]"_s;
-    QTest::newRow("whatever follows") << u"48146"_s << u"it.[go]"_s;
-    QTest::newRow("behind a word that needs none, punctuation as with letters") << u"461146"_s << u"go,[go]"_s;
-    QTest::newRow("held: its digit") << u"465!"_s << u"go5"_s;
-    QTest::newRow("held zero and asterisk") << u"460!*!"_s << u"go0*"_s;
-    QTest::newRow("a capital for one word") << u"*46048"_s << u"Go [it]"_s;
-    QTest::newRow("capitals, for another choice too") << u"**4663*"_s << u"[HOME]"_s;
-    QTest::newRow("unknown: letters as they come, then by letter") << u"4699"_s << u"[goww]"_s;
-    QTest::newRow("which number sign starts") << u"4699#999#"_s << u"y"_s;
-    QTest::newRow("letters and back") << u"#44##46"_s << u"h[go]"_s;
-    QTest::newRow("words that followed before are offered") << u"480460480*0"_s << u"it go it go "_s;
-    QTest::newRow("and a space is put before what follows them") << u"480460480*46"_s << u"it go it go [go]"_s;
-    QTest::newRow("digits") << u"***460"_s << u"460"_s;
-}
-
 void TstPrediction::types()
 {
-    QFETCH(QString, keys);
-    QVERIFY(make(aFewWords()));
-    Predictor predictor(keyletters::of(u"en"_s), Dictionary::open(kFile));
-    WordPrediction method;
-    method.setPredictor(&predictor);
-    QTEST(Script(method).play(keys), "out");
+    const auto typed = [](const QString &keys) {
+        Words words;
+        return Script(words.method).play(keys);
+    };
+    QCOMPARE(typed(u"46630"_s), u"good "_s); // the likeliest word
+    QCOMPARE(typed(u"4663**^0"_s), u"home "_s); // asterisk and up choose another
+    QCOMPARE(typed(u"4663*****0"_s), u"home "_s); // around three words, and the one they begin
+    QCOMPARE(typed(u"466"_s), u"[goo]"_s); // a beginning is shown as far as it is typed
+    QCOMPARE(typed(u"46639*#"_s), u"honeymoon"_s); // and completed
+    QCOMPARE(typed(u"466<"_s), u"[go]"_s); // Backspace takes a key back
+    QCOMPARE(typed(u"46<<<"_s), u"<"_s); // and what was before when no word is left
+    QCOMPARE(typed(u"46>48/"_s), u"goit/"_s); // right and Return end the word
+    QCOMPARE(typed(u"36618"_s), u"[don't]"_s); // one is an apostrophe within a word
+    QCOMPARE(typed(u"36618<"_s), u"[don.]"_s); // or the end, when what follows it is taken back
+    QCOMPARE(typed(u"481046"_s), u"it. [Go]"_s); // or ends the sentence
+    QCOMPARE(typed(u"48146"_s), u"it.[go]"_s); // whatever follows
+    QCOMPARE(typed(u"461146"_s), u"go,[go]"_s); // behind a word that needs none, punctuation as with letters
+    QCOMPARE(typed(u"465!"_s), u"go5"_s); // held: its digit
+    QCOMPARE(typed(u"460!*!"_s), u"go0*"_s); // held zero and asterisk
+    QCOMPARE(typed(u"*46048"_s), u"Go [it]"_s); // a capital for one word
+    QCOMPARE(typed(u"**4663*"_s), u"[HOME]"_s); // capitals, for another choice too
+    QCOMPARE(typed(u"4699"_s), u"[goww]"_s); // unknown: letters as they come, then by letter
+    QCOMPARE(typed(u"4699#999#"_s), u"y"_s); // which number sign starts
+    QCOMPARE(typed(u"#44##46"_s), u"h[go]"_s); // letters and back
+    QCOMPARE(typed(u"480460480*0"_s), u"it go it go "_s); // words that followed before are offered
+    QCOMPARE(typed(u"480460480*46"_s), u"it go it go [go]"_s); // and a space is put before what follows them
+    QCOMPARE(typed(u"***460"_s), u"460"_s); // digits
 }
 
 void TstPrediction::digitsEndTheWord()
 {
-    QVERIFY(make(aFewWords()));
-    Predictor predictor(keyletters::of(u"en"_s), Dictionary::open(kFile));
-    WordPrediction method;
-    method.setPredictor(&predictor);
+    Words words;
+    WordPrediction &method = words.method;
     QCOMPARE(Script(method).play(u"46"_s), u"[go]"_s);
     for (int i = 0; i < 3; ++i)
         method.nextShift(); // on the title strip
@@ -231,27 +215,23 @@ void TstPrediction::lettersWorkWithoutWords()
 
 void TstPrediction::secretsAreNotLearnt()
 {
-    QVERIFY(make(aFewWords()));
-    Predictor predictor(keyletters::of(u"en"_s), Dictionary::open(kFile));
-    WordPrediction method;
-    method.setPredictor(&predictor);
+    Words words;
+    WordPrediction &method = words.method;
     method.setSecret(true);
     QCOMPARE(Script(method).play(u"4.6.0."_s), u"gm "_s);
     method.setSecret(false);
     method.setOptions({.learning = false});
     QCOMPARE(Script(method).play(u"460"_s), u"go "_s);
-    QCOMPARE(predictor.user().write(), QByteArray());
+    QCOMPARE(words.predictor.user().write(), QByteArray());
     method.setOptions({});
     QCOMPARE(Script(method).play(u"460"_s), u"go "_s);
-    QCOMPARE(predictor.user().write(), QByteArray("go\t1\ngo\tgo\t1\n"));
+    QCOMPARE(words.predictor.user().write(), QByteArray("go\t1\ngo\tgo\t1\n"));
 }
 
 void TstPrediction::theEditorsTextDecidesCapitals()
 {
-    QVERIFY(make(aFewWords()));
-    Predictor predictor(keyletters::of(u"en"_s), Dictionary::open(kFile));
-    WordPrediction method;
-    method.setPredictor(&predictor);
+    Words words;
+    WordPrediction &method = words.method;
     method.setTextBefore(u""_s);
     QCOMPARE(Script(method).play(u"460"_s), u"Go "_s);
     method.setTextBefore(u"Go "_s);
