@@ -1,19 +1,13 @@
 // Any bytes, cut into pieces as the first byte says, must make frames or be refused; what a frame says is read as both
 // ends read it, and a message that is understood is written the same again.
 #include "platform/bus/busframe.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 using namespace platform::bus;
 
 namespace {
-
-void check(bool fine)
-{
-    if (!fine)
-        std::abort();
-}
 
 void readEverything(const Frame &frame)
 {
@@ -27,10 +21,10 @@ void readEverything(const Frame &frame)
     const auto message = readMessage(frame.payload);
     if (!message || frame.type != FrameType::Message)
         return;
-    check(fitsFrame(*message));
+    require(fitsFrame(*message));
     QByteArray again;
     putMessage(again, *message);
-    check(again == frame.bytes);
+    require(again == frame.bytes);
 }
 
 }
@@ -45,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
     qsizetype framed = 0;
     for (qsizetype at = 0; at < stream.size(); at += piece) {
         const auto handle = [&](const Frame &frame) {
-            check(frame.bytes == stream.sliced(framed, frame.bytes.size()));
+            require(frame.bytes == stream.sliced(framed, frame.bytes.size()));
             framed += frame.bytes.size();
             readEverything(frame);
             return true;

@@ -1,19 +1,13 @@
 // Any bytes as a configuration file. The first line of the input is the question: group, a tab, key.
 #include "appbase/config/configcheck.h"
 #include "appbase/config/configtext.h"
+#include "tests/fuzz/require.h"
 
 #include <QList>
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
-
-void demand(bool held)
-{
-    if (!held)
-        std::abort();
-}
 
 bool sameAnswer(const config::Answer &answer, const config::Group *group, QStringView key)
 {
@@ -34,17 +28,17 @@ template <typename Item> bool ordered(const std::vector<Item> &items, QString It
 void tryText(const QString &text, const QString &group, const QString &key)
 {
     config::ConfigText whole(text);
-    demand(ordered(whole.groups(), &config::Group::name));
-    demand(sameAnswer(config::lookUp(text, group, key), whole.find(group), key));
+    require(ordered(whole.groups(), &config::Group::name));
+    require(sameAnswer(config::lookUp(text, group, key), whole.find(group), key));
     for (const config::Group &found : whole.groups()) {
-        demand(ordered(found.entries, &config::Entry::key));
-        demand(sameAnswer(config::lookUp(text, found.name, key), &found, key));
+        require(ordered(found.entries, &config::Entry::key));
+        require(sameAnswer(config::lookUp(text, found.name, key), &found, key));
         for (const config::Entry &entry : found.entries)
-            demand(!entry.value.isNull() && entry.key.trimmed() == entry.key && entry.value.trimmed() == entry.value);
+            require(!entry.value.isNull() && entry.key.trimmed() == entry.key && entry.value.trimmed() == entry.value);
     }
     // What has been read once comes back the same for ever.
     const QByteArray written = whole.format();
-    demand(config::ConfigText(config::decoded(written)).format() == written);
+    require(config::ConfigText(config::decoded(written)).format() == written);
 }
 
 }
@@ -59,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     int line = 1;
     for (const config::Remark &remark : config::check(file)) {
-        demand(remark.line >= line && remark.line <= file.count('\n') + 1);
+        require(remark.line >= line && remark.line <= file.count('\n') + 1);
         line = remark.line;
     }
     return 0;

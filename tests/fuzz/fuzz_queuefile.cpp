@@ -1,8 +1,8 @@
 // Any bytes as a file of waiting messages.
 #include "appbase/messaging/queuefile.h"
+#include "tests/fuzz/require.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -13,7 +13,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         written += queue::encode(record);
     // What has been read once comes back the same for ever.
     const queue::Contents again = queue::decode(written);
-    if (again.damaged || again.records != contents.records)
-        std::abort();
+    require(!again.damaged && again.records == contents.records);
     return 0;
 }

@@ -1,8 +1,8 @@
 // Any bytes as samples of the touch panel.
 #include "input/logic/touchfilter.h"
+#include "tests/fuzz/require.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -14,9 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const auto move = filter.feed(touch::Sample::decode(bytes));
         if (!move)
             continue;
-        const bool fits = move->place.x() >= 0 && move->place.x() <= 0xFFFF && move->place.y() >= 0;
-        if (!fits || (move->kind == PenMove::Down) == down)
-            std::abort(); // down comes first, and once
+        require(move->place.x() >= 0 && move->place.x() <= 0xFFFF && move->place.y() >= 0);
+        require((move->kind == PenMove::Down) != down); // it comes first, and once
         down = move->kind != PenMove::Up;
     }
     return 0;
