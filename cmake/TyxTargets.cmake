@@ -103,7 +103,7 @@ function(tyx_add_test name)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${arg_LINK} Qt6::Test tyx_options)
   target_compile_definitions(${name} PRIVATE
-    TYX_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TYX_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    TYX_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TYX_BINARY_DIR="${CMAKE_BINARY_DIR}" TYX_PATIENCE=${TYX_PATIENCE})
   if(CMAKE_CROSSCOMPILING)
     target_compile_definitions(${name} PRIVATE TYX_EMULATED) # for what cannot be seen there
   endif()

@@ -1,6 +1,8 @@
 // A program that a test leads line by line: a command on its standard input, an answer on its standard output.
 #pragma once
 
+#include "tests/support/patience.h"
+
 #include <QByteArray>
 #include <QProcess>
 #include <QString>
@@ -46,6 +48,5 @@ public:
     qint64 pid() const { return m_process.processId(); }
 
 private:
-    static constexpr int kPatienceMs = 20'000;
     QProcess m_process;
 };

@@ -1,6 +1,7 @@
 // The program `tyx`, as a script runs it.
 #pragma once
 
+#include "tests/support/patience.h"
 #include "tests/support/testfiles.h"
 
 #include <QJsonDocument>
@@ -10,7 +11,7 @@ inline QStringList words(const char *line) { return QString::fromUtf8(line).spli
 // What a program that was started says until it ends. A broker of this process works meanwhile.
 inline Outcome finish(QProcess &process)
 {
-    if (!QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 20'000))
+    if (!QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, kPatienceMs))
         return {-1, "(does not end)", {}};
     const bool isOrderly = process.error() != QProcess::FailedToStart && process.exitStatus() == QProcess::NormalExit;
     return {isOrderly ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};

@@ -300,24 +300,25 @@ void TstIMServer::theNumberPadTypes()
 {
     install(u"/lib/inputmethods/libtyxnumberpad.so"_s, u"liba.so"_s);
     Phone phone;
-    QTRY_VERIFY(phone.isShown());
-    QTRY_VERIFY(phone.isTyped({100, 236}, u"5"_s)); // second of the second row
-    QTRY_VERIFY(phone.isTyped({100, 300}, u"0"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(phone.isShown(), kSoonMs);
+    QTRY_VERIFY_WITH_TIMEOUT(phone.isTyped({100, 236}, u"5"_s), kSoonMs); // second of the second row
+    QTRY_VERIFY_WITH_TIMEOUT(phone.isTyped({100, 300}, u"0"_s), kSoonMs);
 }
 
 void TstIMServer::keysGoToTheMethodThatTakesThem()
 {
     install(u"/lib/inputmethods/libtyxmultitap.so"_s, u"liba.so"_s);
     Phone phone;
-    QTRY_VERIFY(phone.knows(kLetters));
-    QTRY_VERIFY(phone.isShown());
+    QTRY_VERIFY_WITH_TIMEOUT(phone.knows(kLetters), kSoonMs);
+    QTRY_VERIFY_WITH_TIMEOUT(phone.isShown(), kSoonMs);
     // With a letter that waits, the cursor is the method's too: up comes back behind the letter, right does not.
     for (const int key : {Qt::Key_Up, Qt::Key_4, Qt::Key_4, Qt::Key_3, Qt::Key_Up, Qt::Key_5, Qt::Key_Right, Qt::Key_6,
              Qt::Key_NumberSign, Qt::Key_F5, Qt::Key_9, Qt::Key_Return})
         phone.press(key);
-    QTRY_VERIFY(phone.got(u"text w"_s));
-    QTRY_COMPARE(phone.seen.filter(u"text "_s),
-        (QStringList{u"text h"_s, u"text d"_s, u"text "_s, u"text j"_s, u"text m"_s, u"text w"_s, u"text "_s}));
+    QTRY_VERIFY_WITH_TIMEOUT(phone.got(u"text w"_s), kSoonMs);
+    QTRY_COMPARE_WITH_TIMEOUT(phone.seen.filter(u"text "_s),
+        (QStringList{u"text h"_s, u"text d"_s, u"text "_s, u"text j"_s, u"text m"_s, u"text w"_s, u"text "_s}),
+        kSoonMs);
     QVERIFY(phone.got(QString::fromLatin1(messages::kUnconfirmedText)));
 }
 
@@ -341,20 +342,20 @@ void TstIMServer::textIsTypedWhateverFails()
     QFETCH(bool, isSetAside);
     install(u"/tests/libbadkeyboard.so"_s, u"liba.so"_s);
     Phone phone(bad);
-    QTRY_VERIFY(phone.knows(kBad));
-    QTRY_VERIFY_WITH_TIMEOUT(phone.isShown(), 10'000);
+    QTRY_VERIFY_WITH_TIMEOUT(phone.knows(kBad), kSoonMs);
+    QTRY_VERIFY_WITH_TIMEOUT(phone.isShown(), kSoonMs);
     if (bad == "huge" || bad == "tiny") {
-        QTRY_VERIFY(phone.got(bad == "huge" ? u"shown 182"_s : u"shown 62"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(phone.got(bad == "huge" ? u"shown 182"_s : u"shown 62"_s), kSoonMs);
         return;
     }
     // Taps until the plain keypad has taken over.
-    QTRY_VERIFY_WITH_TIMEOUT(phone.isTyped(kPlainA, u"a"_s), 10'000);
+    QTRY_VERIFY_WITH_TIMEOUT(phone.isTyped(kPlainA, u"a"_s), kSoonMs);
     if (isSetAside) {
         const auto aside = [&] {
             phone.tap(kPlainA);
             return phone.checked().isNull();
         };
-        QTRY_VERIFY_WITH_TIMEOUT(aside(), 10'000);
+        QTRY_VERIFY_WITH_TIMEOUT(aside(), kSoonMs);
     }
 }
 

@@ -64,6 +64,7 @@ void TstTyxShare::listsAndDumps()
     refused({u"dump"_s, u"linked"_s, u"-"_s}, 3, "/tmp/UTIL_ShareImage_linked: open: Invalid argument");
     refused({u"dump"_s, u"A"_s, u"/none/a.png"_s}, 3, "/none/a.png: cannot be written");
     refused({u"dump"_s, u"A"_s}, 2, "FILE is required");
+#ifndef TYX_EMULATED // the emulator itself does not bear the limit
     // Where there is no room, the picture that is there stays.
     const QByteArray before = content(u"/tmp/a.png"_s);
     const QString limited = u"trap '' XFSZ; ulimit -f 0; exec "_s + QStringLiteral(TYX_BINARY_DIR "/bin/tyx");
@@ -71,6 +72,7 @@ void TstTyxShare::listsAndDumps()
     QCOMPARE(full.status, 3);
     QVERIFY2(full.err.contains("/tmp/a.png: cannot be written"), full.err.constData());
     QCOMPARE(content(u"/tmp/a.png"_s), before);
+#endif
     QCOMPARE(QDir(u"/tmp"_s).entryList({u"UTIL_*"_s}, QDir::AllEntries | QDir::System).size(), 4);
 }
 
