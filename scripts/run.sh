@@ -57,7 +57,7 @@ start() { # SCRIPT: runs it inside, where its folders are
 if ! $headless; then
   say "starting the phone: close its window to stop it, tap its status bar to see the next application"
   pictures=$phone/pictures # the phone has a /tmp of its own
-  inside="scripts/in-phone${name:+ --phone build/phones/$name}"
+  inside="scripts/in-phone${name:+ --phone $name}"
   echo "try: $inside tyx bus send TYX/Application/hello greet"
   echo "another window of the same phone: $inside tyx phone --folder ${pictures@Q}${name:+ --name $name}"
   start phone-desktop
