@@ -3,12 +3,13 @@
 #include "guiserver/calibrationrescue.h"
 #include "guiserver/farewell.h"
 #include "guiserver/keyfiles.h"
+#include "guiserver/phoneclaim.h"
 #include "guiserver/screenservice.h"
 #include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
-#include "platform/bus/businspector.h"
 #include "platform/window/qwsserver.h"
 #include "settings/files/setup_utility.h"
+#include "settings/status/statustable.h"
 #include "textinput/server/zimserver.h"
 
 #include <CLI/CLI.hpp>
@@ -42,6 +43,20 @@ std::optional<int> checkArguments(int argc, char **argv)
     return std::nullopt;
 }
 
+// True beside another server, whose tables and settings must not be touched. Without the file there is no telling.
+bool isRefused(const platform::Result<PhoneClaim> &claim)
+{
+    if (claim)
+        return false;
+    if (claim.error().number == EWOULDBLOCK) {
+        std::fprintf(
+            stderr, "tyx-guiserver: another phone runs on this machine: its server holds %s\n", status::kKeyFile);
+        return true;
+    }
+    std::fprintf(stderr, "tyx-guiserver: cannot lock %s: %s\n", status::kKeyFile, qPrintable(claim.error().text()));
+    return false;
+}
+
 void announce()
 {
     const QWSServer &server = *QWSServer::instance();
@@ -57,10 +72,12 @@ int main(int argc, char **argv)
 {
     if (const auto status = checkArguments(argc, argv))
         return *status;
-    if (!platform::BusInspector::open()) // beside a phone that runs, this one ends soon, and must not touch its files
-        SETUP_Utility::setupInitialize(); // what failed has told so, and the phone runs without it
-    holdTerminationSignals();
     makeKeyFiles();
+    const auto claim = PhoneClaim::take();
+    if (isRefused(claim))
+        return 1;
+    SETUP_Utility::setupInitialize(); // what failed has told so, and the phone runs without it
+    holdTerminationSignals();
     ZApplication application(argc, argv, ZApplication::GuiServer);
     const TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &application, &QCoreApplication::quit);

@@ -2,14 +2,16 @@
 #pragma once
 
 #include "platform/system/result.h"
+#include "platform/tyxexport.h"
 
 #include <utility>
 
 namespace platform {
 
 // flock(2) on a descriptor that stays the caller's: it belongs to the open file, so it also excludes a second
-// descriptor of the same process, and the kernel drops it when the last copy of the descriptor closes.
-class FileLock {
+// descriptor of the same process, and the kernel drops it when the last copy of the descriptor closes. Exported
+// for the server.
+class TYX_EXPORT FileLock {
 public:
     enum class Wait { No, Yes };
 

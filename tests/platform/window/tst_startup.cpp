@@ -1,7 +1,9 @@
 // The server program and the clients' way to it, as processes.
+#include "settings/status/systemstatus.h"
 #include "tests/support/peerprocess.h"
 #include "tests/support/testfiles.h"
 
+#include <QDir>
 #include <csignal>
 
 namespace {
@@ -58,10 +60,17 @@ void TstStartup::serverStopsCleanly()
 void TstStartup::secondServerIsRefused()
 {
     Server first;
-    const Outcome second = run(kServer, {u"--platform"_qs, u"offscreen"_qs});
-    QCOMPARE(second.status, 1);
-    QCOMPARE(second.err, "tyx-guiserver: another window server runs on " + socketPath().toUtf8() + "\n");
+    UTIL_SetSignalQuality(4);
+    QVERIFY(QDir().mkdir(u"/tmp/another"_qs));
+    for (const QString &folder : {qEnvironmentVariable("XDG_RUNTIME_DIR"), u"/tmp/another"_qs}) {
+        const Outcome second = run(u"env"_qs, {u"XDG_RUNTIME_DIR="_qs + folder, kServer, u"--platform=offscreen"_qs});
+        QCOMPARE(second.status, 1);
+        QCOMPARE(
+            second.err, "tyx-guiserver: another phone runs on this machine: its server holds /tmp/key_testcommand\n");
+    }
     QVERIFY(QFile::exists(socketPath())); // the first one's
+    QVERIFY(QFile::exists(u"/tmp/imsstate.shm"_qs));
+    QCOMPARE(UTIL_GetSignalQuality(), 4);
     ::kill(pid_t(first.pid()), SIGTERM);
     QCOMPARE(first.status(), 0); // it went on until now
 }
