@@ -2,8 +2,10 @@
 #include "tests/support/keyscript.h"
 #include "tests/support/testfiles.h"
 #include "textinput/predictive/dictionaryformat.h"
+#include "textinput/predictive/userwordsfile.h"
 #include "textinput/predictive/wordprediction.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QTest>
 
@@ -54,6 +56,8 @@ private Q_SLOTS:
     void damagedDictionariesAreNone();
     void hostileUserWordsAreLeftOut();
     void userWordsStayFew();
+    void unreadableUserWordsAreLeftAlone();
+    void unsavedUserWordsAreTriedAgain();
     void whatWasTypedComesFirst();
     void types();
     void digitsEndTheWord();
@@ -143,6 +147,36 @@ void TstPrediction::userWordsStayFew()
     QVERIFY(words.write().size() < UserDictionary::kLargestFile);
     QVERIFY(words.following(nth(9000)).contains(nth(8999)) && words.following(nth(1)).isEmpty());
     QCOMPARE(words.beginning("63836").size(), 1); // the one that is used
+}
+
+void TstPrediction::unreadableUserWordsAreLeftAlone()
+{
+    const QString path = u"/tmp/words-en.txt"_s;
+    const QByteArray huge(UserDictionary::kLargestFile + 1, 'x');
+    fill(path, huge);
+    UserDictionary words(keyletters::of(u"en"_s));
+    UserWordsFile file(path, words);
+    words.learn({}, u"go"_s);
+    file.save();
+    QVERIFY(content(path) == huge);
+    QVERIFY(QFile::remove(path));
+}
+
+void TstPrediction::unsavedUserWordsAreTriedAgain()
+{
+    const QString path = u"/tmp/later/words-en.txt"_s;
+    UserDictionary words(keyletters::of(u"en"_s));
+    UserWordsFile file(path, words);
+    words.learn({}, u"go"_s);
+    file.save(); // there is no such folder
+    QVERIFY(QDir().mkdir(u"/tmp/later"_s));
+    file.saveMany();
+    QCOMPARE(content(path), QByteArray("(no file)")); // one word is not many
+    file.save();
+    QCOMPARE(content(path), QByteArray("go\t1\n"));
+    QFile::remove(path);
+    file.save(); // nothing is new
+    QCOMPARE(content(path), QByteArray("(no file)"));
 }
 
 void TstPrediction::whatWasTypedComesFirst()

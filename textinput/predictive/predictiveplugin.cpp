@@ -1,20 +1,17 @@
 // Words by one press a letter: as an input method. It looks for its dictionaries beside the libraries of the input
 // methods, and keeps what the user typed among the phone's settings.
 #include "appbase/config/zconfig.h"
-#include "platform/system/filecontent.h"
-#include "platform/system/filereplace.h"
 #include "textinput/plugin/imresdir.h"
+#include "textinput/predictive/userwordsfile.h"
 #include "textinput/predictive/wordprediction.h"
 #include "textinput/state/zinputmethodstate.h"
 #include "textinput/twelvekeys/twelvekeyplugin.h"
 
 #include <QFile>
 #include <cstdio>
+#include <optional>
 
 namespace {
-
-constexpr quint64 kSaveEvery = 20; // words: so many are lost at most when the power goes
-constexpr mode_t kMode = 0600; // what the user writes is nobody else's
 
 std::unique_ptr<Dictionary> findDictionary(const QString &language)
 {
@@ -69,8 +66,8 @@ public:
     void keyEvent(const HardKey &key) override
     {
         TwelveKeyPlugin::keyEvent(key);
-        if (m_predictor && m_predictor->user().changes() >= m_saved + kSaveEvery)
-            save();
+        if (m_file)
+            m_file->saveMany();
     }
 
 protected:
@@ -89,23 +86,16 @@ private:
             return;
         save();
         m_method.setPredictor(nullptr);
+        m_file.reset();
         m_predictor = std::make_unique<Predictor>(keyletters::of(language), findDictionary(language));
-        if (const auto text = platform::fileContent(userFile(language), UserDictionary::kLargestFile))
-            m_predictor->user().read(*text);
-        m_saved = m_predictor->user().changes();
+        m_file.emplace(userFile(language), m_predictor->user());
         m_method.setPredictor(m_predictor.get());
     }
 
     void save()
     {
-        if (!m_predictor || m_predictor->user().changes() == m_saved)
-            return;
-        m_saved = m_predictor->user().changes();
-        const QString file = userFile(m_predictor->letters().language);
-        const QByteArray text = m_predictor->user().write();
-        if (!platform::replaceFile(file, std::as_bytes(std::span(text.constData(), std::size_t(text.size()))), kMode))
-            std::fprintf(stderr, "tyx-imhost: %s cannot be written: the words are kept for the next time\n",
-                qUtf8Printable(file));
+        if (m_file)
+            m_file->save();
     }
 
     void setSecret(int mode)
@@ -122,7 +112,7 @@ private:
 
     ZInputMethodState m_state;
     std::unique_ptr<Predictor> m_predictor;
-    quint64 m_saved = 0; // changes of the user's words that are in the file
+    std::optional<UserWordsFile> m_file; // of the predictor's words
     WordPrediction m_method;
 };
 
