@@ -63,8 +63,8 @@ StatusBar::StatusBar(QWidget *screen) : QWidget(screen)
     setAttribute(Qt::WA_OpaquePaintEvent);
     connect(QWSServer::instance(), &QWSServer::windowEvent, this, &StatusBar::refresh);
     connect(&m_watcher, &SystemStatusWatcher::changed, this, &StatusBar::refresh);
-    refresh();
-    waitForNextMinute();
+    connect(&m_clock, &ClockWatch::clockSet, this, &StatusBar::showTheTime);
+    showTheTime();
     setAcceptDrops(true);
     show();
 }
@@ -80,6 +80,12 @@ void StatusBar::refresh()
     update();
 }
 
+void StatusBar::showTheTime()
+{
+    waitForNextMinute();
+    refresh();
+}
+
 // The clock wakes the phone once a minute.
 void StatusBar::waitForNextMinute()
 {
@@ -93,8 +99,7 @@ void StatusBar::timerEvent(QTimerEvent *event)
         showNextApplication(); // and the one behind it, as long as it is held there
         return;
     }
-    waitForNextMinute();
-    refresh();
+    showTheTime();
 }
 
 void StatusBar::mousePressEvent(QMouseEvent * /*event*/) { showNextApplication(); }

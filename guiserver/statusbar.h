@@ -1,6 +1,7 @@
 // The bar along the top of the screen: the phone's state, what is in front, and the time.
 #pragma once
 
+#include "guiserver/clockwatch.h"
 #include "guiserver/statuscontent.h"
 #include "settings/status/systemstatuswatcher.h"
 
@@ -28,11 +29,13 @@ protected:
 
 private:
     void refresh();
+    void showTheTime();
     void waitForNextMinute();
     int drawSigns(QPainter &painter, int right) const; // their left edge
 
     StatusContent m_content;
     SystemStatusWatcher m_watcher;
+    ClockWatch m_clock;
     QBasicTimer m_minute;
     QBasicTimer m_held; // while something is dragged over it
 };
