@@ -58,6 +58,6 @@ public:
 // A widget of the server with this property (true) shows a client's window: what the pen does there is the client's.
 inline constexpr char kClientSurface[] = "_tyx_clientSurface";
 
-// The module's one entry point, found by name.
-inline constexpr char kWindowServerEntry[] = "tyxCreateWindowServer";
+// The module's one entry point. Library and module call each other through classes that differ from version to version,
+// so the build puts the version into its name, TYX_WINDOW_SERVER_ENTRY: one of another version is not found.
 using CreateWindowServer = WindowServerBackend *(*)();

@@ -23,8 +23,11 @@ QString moduleFile()
 tl::expected<std::unique_ptr<WindowServerBackend>, QString> loadWindowServer()
 {
     QLibrary module(moduleFile());
-    const auto create = reinterpret_cast<CreateWindowServer>(module.resolve(kWindowServerEntry));
-    if (!create)
+    if (!module.load())
         return tl::make_unexpected(QStringLiteral("cannot load the window server: %1").arg(module.errorString()));
+    const auto create = reinterpret_cast<CreateWindowServer>(module.resolve(QT_STRINGIFY(TYX_WINDOW_SERVER_ENTRY)));
+    if (!create)
+        return tl::make_unexpected(
+            QStringLiteral("%1 is of another version than this library: install both of one").arg(module.fileName()));
     return std::unique_ptr<WindowServerBackend>(create());
 }

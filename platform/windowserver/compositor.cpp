@@ -139,4 +139,4 @@ QImage Compositor::grab() const
     return m_screen->screen()->grabWindow(0, place.x(), place.y(), place.width(), place.height()).toImage();
 }
 
-extern "C" TYX_EXPORT WindowServerBackend *tyxCreateWindowServer() { return new Compositor; }
+extern "C" TYX_EXPORT WindowServerBackend *TYX_WINDOW_SERVER_ENTRY() { return new Compositor; }
