@@ -3,6 +3,8 @@
 #include "appbase/messaging/wire.h"
 
 #include <QFile>
+#include <algorithm>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,11 +41,14 @@ Result<struct stat> statusOf(const Fd &fd)
     return status;
 }
 
+// From 1970 to 2262: a file may bear any date, and the nanoseconds of others are no number.
 std::chrono::system_clock::time_point modified(const struct stat &status)
 {
-    const auto since = std::chrono::seconds(status.st_mtim.tv_sec) + std::chrono::nanoseconds(status.st_mtim.tv_nsec);
-    return std::chrono::system_clock::time_point(
-        std::chrono::duration_cast<std::chrono::system_clock::duration>(since));
+    using namespace std::chrono;
+    constexpr auto kLast = duration_cast<seconds>(nanoseconds::max()) - 1s;
+    const auto whole = std::clamp(seconds(status.st_mtim.tv_sec), seconds::zero(), kLast);
+    const nanoseconds since = whole + nanoseconds(status.st_mtim.tv_nsec);
+    return system_clock::time_point(duration_cast<system_clock::duration>(since));
 }
 
 Result<Contents> readContents(const Fd &fd)

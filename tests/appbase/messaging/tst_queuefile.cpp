@@ -2,6 +2,7 @@
 #include "appbase/messaging/queuefile.h"
 #include "tests/support/testfiles.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -47,6 +48,7 @@ private Q_SLOTS:
     void whatStandsBeforeTheDamageIsTaken();
     void everybodyMayAppend();
     void messagesAreDiscardedAfterSixtySeconds();
+    void aFileMayBearAnyDate();
     void aLockedFileIsLeftAlone();
     void whatIsStoredWhileOthersTakeIsNotLost();
     void onlyRegularFilesOfOneNameAreOpened_data();
@@ -112,6 +114,19 @@ void TstQueueFile::messagesAreDiscardedAfterSixtySeconds()
     QCOMPARE(queue::glance("app")->contents.records.size(), 1);
     store(record("second"), modified + 61s);
     QCOMPARE(messages(queue::take("app")), QList<QByteArray>{"second"});
+}
+
+void TstQueueFile::aFileMayBearAnyDate()
+{
+    store(record("m"));
+    const auto kept = [](time_t date) {
+        const timespec times[] = {{date, 0}, {date, 0}};
+        return ::utimensat(AT_FDCWD, qPrintable(kPath), times, 0) == 0 && LockedFile::forAppending("app", now())
+            ? queue::glance("app")->contents.records.size()
+            : -1;
+    };
+    QCOMPARE(kept(10'413'792'000), 1); // in 2300
+    QCOMPARE(kept(-10'000'000'000), 0); // in 1653
 }
 
 void TstQueueFile::aLockedFileIsLeftAlone()
