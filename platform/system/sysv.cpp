@@ -37,10 +37,10 @@ Result<int> ShmAttachment::segment(IpcName name, std::size_t size)
 
 Result<ShmAttachment> ShmAttachment::attach(int id, Access access)
 {
-    void *address = ::shmat(id, nullptr, access == Access::ReadOnly ? SHM_RDONLY : 0);
-    if (address == reinterpret_cast<void *>(-1)) // NOLINT(performance-no-int-to-ptr): shmat's own answer
-        return failed("shmat");
-    ShmAttachment attachment(std::span(static_cast<std::byte *>(address), 1));
+    const auto address = attachRaw(id, access);
+    if (!address)
+        return tl::make_unexpected(address.error());
+    ShmAttachment attachment(std::span(static_cast<std::byte *>(*address), 1));
     const auto known = status(id);
     if (!known)
         return tl::make_unexpected(known.error());
@@ -74,6 +74,14 @@ ShmAttachment::~ShmAttachment()
 {
     if (!m_bytes.empty())
         ::shmdt(m_bytes.data());
+}
+
+Result<void *> attachRaw(int id, ShmAttachment::Access access)
+{
+    void *address = ::shmat(id, nullptr, access == ShmAttachment::Access::ReadOnly ? SHM_RDONLY : 0);
+    if (address == reinterpret_cast<void *>(-1)) // NOLINT(performance-no-int-to-ptr): shmat's own answer
+        return failed("shmat");
+    return address;
 }
 
 Result<SemaphoreSet> SemaphoreSet::open(IpcName name, int count)

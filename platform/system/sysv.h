@@ -54,6 +54,9 @@ private:
     std::span<std::byte> m_bytes;
 };
 
+// shmat(2) for who knows the size, which an attachment has to ask for, and detaches by himself or never.
+Result<void *> attachRaw(int id, ShmAttachment::Access access);
+
 // A set of counting semaphores; a plain value, since the set belongs to no process.
 class SemaphoreSet {
 public:

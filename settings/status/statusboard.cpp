@@ -5,7 +5,6 @@
 #include "settings/status/statustable.h"
 
 #include <fcntl.h>
-#include <sys/shm.h>
 #include <sys/stat.h>
 
 namespace status {
@@ -28,10 +27,10 @@ platform::Result<Board *> attach(key_t table, int flags)
     const auto id = platform::ShmAttachment::segment({boardKey(table), flags}, sizeof(Board));
     if (!id)
         return tl::make_unexpected(id.error());
-    void *address = ::shmat(*id, nullptr, 0);
-    if (address == reinterpret_cast<void *>(-1)) // NOLINT(performance-no-int-to-ptr): shmat's own answer
-        return platform::failed("shmat");
-    auto *board = static_cast<Board *>(address); // pages are aligned, and zeros are its first state
+    const auto address = platform::attachRaw(*id, platform::ShmAttachment::Access::ReadWrite);
+    if (!address)
+        return tl::make_unexpected(address.error());
+    auto *board = static_cast<Board *>(*address); // pages are aligned, and zeros are its first state
     // The one before, of another key file, stays: another thread may be about to write there.
     attachedFor = table;
     attached = board;

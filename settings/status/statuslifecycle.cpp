@@ -19,16 +19,16 @@ constexpr int kCreateFlags = IPC_CREAT | 0777;
 constexpr int kApplicationManagerFlags = 666;
 constexpr char kApplicationManagerProject = 'n';
 
-void *const kFailed = reinterpret_cast<void *>(-1); // NOLINT(performance-no-int-to-ptr): shmat's own answer
+constexpr auto kAccess = platform::ShmAttachment::Access::ReadWrite;
 
 // What the creating process remembers of a table, even after its release.
 struct Owned {
     key_t key = -1;
     int id = -1;
-    void *address = nullptr;
+    void *address = nullptr; // null also where it could not be attached
     bool released = false; // the address means nothing any more
 
-    [[nodiscard]] bool isAttached() const { return address && address != kFailed && !released; }
+    [[nodiscard]] bool isAttached() const { return address && !released; }
 };
 
 Owned systemTable;
@@ -48,8 +48,8 @@ void create(Owned &table, char project, const char *fatalText)
         platform::leave(-1);
     }
     table.released = false;
-    table.address = ::shmat(table.id, nullptr, 0);
-    if (table.address == kFailed)
+    table.address = platform::attachRaw(table.id, kAccess).value_or(nullptr);
+    if (!table.address)
         std::perror("Cannot attach to main ram shared memory\n");
 }
 
@@ -120,8 +120,5 @@ void *UTIL_GetApplicationManagerTableAddress()
     if (!key)
         return nullptr;
     const auto id = platform::ShmAttachment::segment({*key, kApplicationManagerFlags}, kTableBytes);
-    if (!id)
-        return nullptr;
-    void *address = ::shmat(*id, nullptr, 0);
-    return address == kFailed ? nullptr : address;
+    return id ? platform::attachRaw(*id, kAccess).value_or(nullptr) : nullptr;
 }

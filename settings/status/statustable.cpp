@@ -75,12 +75,10 @@ platform::Result<Attachment> Attachment::open()
     const auto id = platform::ShmAttachment::segment({*key, 0666}, kTableBytes);
     if (!id)
         return tl::make_unexpected(id.error());
-    // Not by ShmAttachment::attach(): the size is known from the lookup, and asking for it again would cost a system
-    // call.
-    void *address = ::shmat(*id, nullptr, 0);
-    if (address == reinterpret_cast<void *>(-1)) // NOLINT(performance-no-int-to-ptr): shmat's own answer
-        return platform::failed("shmat");
-    return Attachment(static_cast<quint8 *>(address), *key);
+    const auto address = platform::attachRaw(*id, platform::ShmAttachment::Access::ReadWrite);
+    if (!address)
+        return tl::make_unexpected(address.error());
+    return Attachment(static_cast<quint8 *>(*address), *key);
 }
 
 Attachment::~Attachment()
