@@ -29,8 +29,6 @@ public:
     void getCalibration(TP_Calibration_Parameter_T *parameters) const;
 
     void clearCalibration(); // every point is mapped to itself
-    // In memory only, and without a check: with s = 0 every point is mapped to itself.
-    void setCalibration(const TP_Calibration_Parameter_T &parameters) { m_calibration = parameters; }
 
     // Reads "pointercal" of the settings directory, or /etc/pointercal if that does not exist. What cannot be read, and
     // what is no calibration, changes nothing.

@@ -15,16 +15,10 @@ Result<Mapping> Mapping::readOnly(int fd)
         return failed("mmap", ENODEV);
     if (static_cast<unsigned long long>(status.st_size) > std::numeric_limits<std::size_t>::max())
         return failed("mmap", EFBIG);
-    return map(fd, static_cast<std::size_t>(status.st_size), PROT_READ, MAP_PRIVATE);
-}
-
-Result<Mapping> Mapping::shared(int fd, std::size_t size) { return map(fd, size, PROT_READ | PROT_WRITE, MAP_SHARED); }
-
-Result<Mapping> Mapping::map(int fd, std::size_t size, int protection, int flags)
-{
+    const auto size = static_cast<std::size_t>(status.st_size);
     if (size == 0)
         return Mapping(std::span<std::byte>{}); // mmap refuses an empty range
-    void *address = ::mmap(nullptr, size, protection, flags, fd, 0);
+    void *address = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, fd, 0);
     if (address == MAP_FAILED)
         return failed("mmap");
     return Mapping(std::span(static_cast<std::byte *>(address), size));

@@ -16,8 +16,6 @@ class Mapping {
 public:
     // The whole file, read-only. A file of zero bytes gives an empty span.
     static Result<Mapping> readOnly(int fd);
-    // `size` bytes shared with every process that maps the file for writing.
-    static Result<Mapping> shared(int fd, std::size_t size);
 
     Mapping(Mapping &&other) noexcept : m_bytes(std::exchange(other.m_bytes, {})) { }
     Mapping &operator=(Mapping &&other) noexcept
@@ -28,11 +26,9 @@ public:
     TYX_EXPORT ~Mapping();
 
     [[nodiscard]] std::span<const std::byte> bytes() const { return m_bytes; }
-    [[nodiscard]] std::span<std::byte> writableBytes() const { return m_bytes; } // of a shared mapping only
 
 private:
     explicit Mapping(std::span<std::byte> bytes) : m_bytes(bytes) { }
-    static Result<Mapping> map(int fd, std::size_t size, int protection, int flags);
 
     std::span<std::byte> m_bytes;
 };
