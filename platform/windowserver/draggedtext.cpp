@@ -26,7 +26,7 @@ void giveText(wl_client *, wl_resource *offer, const char * /*type*/, int32_t fd
     ::fcntl(fd, F_SETFL, O_NONBLOCK);
     ::fcntl(fd, F_SETPIPE_SZ, int(text.size())); // refused where it is no pipe
     if (::write(fd, text.constData(), size_t(text.size())) != text.size())
-        qWarning("windowserver: a client did not take all of the text that was dropped on it");
+        qWarning("window server: a client did not take all of the text that was dropped on it");
 }
 
 const struct wl_data_offer_interface kRequests = {ignoreAccept, giveText, destroy, ignoreFinish, ignoreActions};

@@ -6,7 +6,6 @@
 
 #include <QCoreApplication>
 #include <csignal>
-#include <cstdio>
 #include <sys/prctl.h>
 
 namespace {
@@ -92,7 +91,7 @@ void HostProcess::ended()
         return;
     ++m_deaths;
     if (m_deaths <= 3)
-        std::fprintf(stderr, "tyx-guiserver: the process of the input methods has ended; it is started again\n");
+        qWarning("input methods: their process has ended; it is started again");
     if (m_deaths < kMostRestartDeaths)
         m_restart.start(restartDelayMs(m_deaths));
     Q_EMIT died();

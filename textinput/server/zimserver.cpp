@@ -10,7 +10,6 @@
 #include <QTimerEvent>
 #include <QWindow>
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -135,7 +134,7 @@ void ZIMServerData::hostFailed(const QUuid &method, const QString &reason)
     const InputMethodInfo *info = methods.find(method);
     if (!info)
         return;
-    std::fprintf(stderr, "tyx-guiserver: the input method %s is set aside: %s\n", qUtf8Printable(info->name),
+    qWarning("input methods: %s is set aside: %s", qUtf8Printable(info->name),
         qUtf8Printable(reason.left(200).simplified()));
     methods.setAside(method);
     if (method == current)
@@ -150,7 +149,7 @@ void ZIMServerData::hostDied()
     if (isExternal())
         return; // that one is another process
     if (wanted && methods.died(current)) {
-        std::fprintf(stderr, "tyx-guiserver: an input method is set aside: its process ends again and again\n");
+        qWarning("input methods: one is set aside: its process ends again and again");
         select(methods.primary(setting), language);
     }
     if (wanted)
