@@ -569,56 +569,6 @@ void ZIMServer::sendKey(unsigned short unicode, unsigned short keycode, unsigned
     d->type({unicode, keycode, modifiers, {}});
 }
 
-void ZIMServer::showWordCompletionTip(const QString &word)
-{
-    d->strip.setCompletionTip(d->setting.toolTip ? word.simplified() : QString());
-}
-
-void ZIMServer::requestWordCompletionEvent(const QString &beginning, DICTLANGTYPE language)
-{
-    handleWordCompletion(beginning, language, WordCompletionType::Word);
-}
-
-void ZIMServer::requestPhraseCompletion(const QString &before, DICTLANGTYPE language)
-{
-    handleWordCompletion(before, language, WordCompletionType::Phrase);
-}
-
-void ZIMServer::handleWordCompletion(QString text, DICTLANGTYPE language, WordCompletionType type)
-{
-    const bool wished = type == WordCompletionType::Word ? d->setting.wordCompletion : d->setting.nextWordPrediction;
-    if (!wished)
-        return;
-    d->runCommand(ShowCompletionCmd());
-    d->strip.setCompletionTip({});
-    if (text.isEmpty())
-        return;
-    SetFollowCharsCmd follow;
-    follow.characters = std::move(text);
-    follow.language = language;
-    follow.type = quint8(type);
-    d->runCommand(follow);
-    ShowCompletionCmd begin;
-    begin.show = true;
-    d->runCommand(begin);
-}
-
-void ZIMServer::enableFindBar(bool enable)
-{
-    if (std::exchange(d->findBarEnabled, enable) == enable)
-        return;
-    d->findBar.clear();
-    d->findBar.hide();
-    if (d->wanted)
-        d->show(); // anew, with it or without
-}
-
-void ZIMServer::slotFindBarTextChanged(const QString &text)
-{
-    if (d->owner.editor != 0)
-        QCopChannel::send(d->owner.channel, messages::kTextToContact, wire::pack(text));
-}
-
 IM_KeyEventEx ZIMServer::translateKeyEventEx(QDataStream &stream, bool &complete)
 {
     return decodeKeyEventEx(stream, complete);
@@ -674,11 +624,4 @@ void ZIMServer::checkMouseEvent(const QPoint &position, int /*buttons*/)
 {
     if (d->window != 0 && inputWidgetRect().contains(position))
         d->host.touched();
-}
-
-void ZIMServer::slotTipClicked()
-{
-    const QString word = d->strip.completionTip();
-    if (!word.isEmpty())
-        d->onWordConfirmed(wire::pack(word));
 }
