@@ -1,5 +1,7 @@
 #include "guiserver/terminationsignals.h"
 
+#include "platform/system/endsignals.h"
+
 #include <QSocketNotifier>
 #include <array>
 #include <cerrno>
@@ -9,16 +11,21 @@
 
 namespace {
 
-constexpr std::array kSignals{SIGTERM, SIGINT};
 std::array<int, 2> pipeEnds{-1, -1}; // read, write
 
 void changeMask(int how)
 {
-    sigset_t set;
-    sigemptyset(&set);
-    for (const int number : kSignals)
-        sigaddset(&set, number);
+    const sigset_t set = platform::endSignals();
     pthread_sigmask(how, &set, nullptr);
+}
+
+void setHandler(sighandler_t handler)
+{
+    const sigset_t set = platform::endSignals();
+    for (int number = 1; number < NSIG; ++number) {
+        if (sigismember(&set, number) == 1)
+            std::signal(number, handler);
+    }
 }
 
 void onSignal(int)
@@ -44,14 +51,12 @@ TerminationSignals::TerminationSignals()
         notifier->setEnabled(false); // a second signal finds us on our way already
         Q_EMIT received();
     });
-    for (const int number : kSignals)
-        std::signal(number, onSignal);
+    setHandler(onSignal);
 }
 
 TerminationSignals::~TerminationSignals()
 {
-    for (const int number : kSignals)
-        std::signal(number, SIG_DFL);
+    setHandler(SIG_DFL);
     for (const int end : pipeEnds)
         close(end);
 }

@@ -1,15 +1,14 @@
 // tyx-phone, what `tyx phone` starts: the phone in a window of the desktop. It attaches to the GUI server that runs
 // beside it, and may come and go as it likes.
+#include "platform/system/endsignals.h"
 #include "tools/phone/phonewindow.h"
 
 #include <CLI/CLI.hpp>
 #include <QApplication>
 #include <QSocketNotifier>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <sys/signalfd.h>
 
 namespace {
 
@@ -30,27 +29,17 @@ int fail(const char *text)
 // The toolkit would abort.
 bool hasDisplay() { return std::getenv("QT_QPA_PLATFORM") || std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY"); }
 
-// Ends in order when it is told to: the recorder is ended, the hand lets go.
-void endOnSignals(QApplication &application, const sigset_t &signals)
-{
-    auto *notifier =
-        new QSocketNotifier(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK), QSocketNotifier::Read, &application);
-    QObject::connect(notifier, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
-}
-
 int run(int argc, char **argv, const Options &options)
 {
     auto orders = Hand::start();
     if (!orders)
         return fail(qPrintable(orders.error().text()));
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigprocmask(SIG_BLOCK, &signals, nullptr); // before threads are made, which inherit it
+    const platform::EndSignals signals; // before threads are made, which hold them then too
     QApplication application(argc, argv);
     QApplication::setStyle(QStringLiteral("fusion"));
-    endOnSignals(application, signals);
+    // Ends in order when it is told to: the recorder is ended, the hand lets go.
+    const QSocketNotifier end(signals.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&end, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
     PhoneWindow window(
         std::move(*orders), {QString::fromStdString(options.name), QString::fromStdString(options.folder)});
     window.show();

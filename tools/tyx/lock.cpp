@@ -1,6 +1,6 @@
 // tyx lock: looks at the lock of the application registry, and holds it for scripts.
 #include "am/registrylock.h"
-#include "platform/system/fd.h"
+#include "platform/system/endsignals.h"
 #include "tools/tyx/command.h"
 
 #include <QFile>
@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <poll.h>
 #include <spawn.h>
-#include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -106,15 +105,6 @@ int release(int exit)
     return fail(QStringLiteral("the lock was taken away meanwhile: %1; look for who ran ipcrm").arg(why.text()));
 }
 
-sigset_t terminationSignals()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int each : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
-        sigaddset(&signals, each);
-    return signals;
-}
-
 // Until the end of input or a signal.
 void waitForEnd(int signals)
 {
@@ -130,14 +120,12 @@ void waitForEnd(int signals)
 
 int hold(const Options & /*options*/)
 {
-    const sigset_t signals = terminationSignals();
-    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-    const auto arrived = platform::Fd::own(::signalfd(-1, &signals, SFD_CLOEXEC));
+    const platform::EndSignals signals;
     if (const int taken = take(); taken != Done)
         return taken;
     printLine(QStringLiteral("held by process %1").arg(::getpid()));
     if (flushOutput()) // else nobody knows that it is held
-        waitForEnd(arrived.get());
+        waitForEnd(signals.descriptor());
     return release(Done);
 }
 
@@ -167,7 +155,8 @@ int run(const Options &options)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
 
-    sigset_t signals = terminationSignals();
+    sigset_t signals = platform::endSignals();
+    sigaddset(&signals, SIGQUIT); // of the terminal, for the program
     sigaddset(&signals, SIGCHLD);
     sigset_t before;
     ::sigprocmask(SIG_BLOCK, &signals, &before);

@@ -5,6 +5,7 @@
 #include "input/logic/recording.h"
 #include "platform/bus/businspector.h"
 #include "platform/bus/qcopchannel.h"
+#include "platform/system/endsignals.h"
 #include "settings/status/statuslayout.h"
 #include "settings/status/systemstatuswatcher.h"
 #include "tools/tyx/command.h"
@@ -19,8 +20,6 @@
 #include <QSocketNotifier>
 #include <QTimer>
 #include <chrono>
-#include <csignal>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace tyx {
@@ -52,8 +51,8 @@ private:
     void takeStatus(const SystemTableCopy &before, const SystemTableCopy &now);
     void put(decltype(recording::Event::what) what);
     bool isPartOfThePhone(qint64 pid);
-    void endOnSignal();
 
+    platform::EndSignals m_signals; // first: the monitor is ended by us, not by a terminal
     QFile &m_file;
     QProcess m_monitor;
     SystemStatusWatcher m_status;
@@ -67,7 +66,8 @@ private:
 // soon as it tells of one of ours.
 int Recorder::run(double seconds)
 {
-    endOnSignal();
+    const QSocketNotifier end(m_signals.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&end, &QSocketNotifier::activated, qApp, [] { QCoreApplication::exit(Done); });
     QObject::connect(&m_monitor, &QProcess::readyReadStandardOutput, qApp, [this] { readMonitor(); });
     QObject::connect(&m_monitor, &QProcess::finished, qApp, [] { QCoreApplication::exit(Failed); });
     QObject::connect(&m_status, &SystemStatusWatcher::changed, qApp,
@@ -88,17 +88,6 @@ int Recorder::run(double seconds)
         return fail(QStringLiteral("nothing was recorded: no phone answered"));
     std::fprintf(stderr, "tyx: %lld events\n", static_cast<long long>(m_written));
     return m_file.flush() ? status : fail(m_file.fileName() + QStringLiteral(": ") + m_file.errorString());
-}
-
-void Recorder::endOnSignal()
-{
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
-    sigprocmask(SIG_BLOCK, &set, nullptr);
-    auto *notifier = new QSocketNotifier(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK), QSocketNotifier::Read, qApp);
-    QObject::connect(notifier, &QSocketNotifier::activated, qApp, [] { QCoreApplication::exit(Done); });
 }
 
 void Recorder::nudge() { QCopChannel::send("TYX/Tool/recorder", "begin()"); }

@@ -1,6 +1,7 @@
 #include "input/logic/recording.h"
 #include "platform/bus/businspector.h"
 #include "platform/bus/qcopchannel.h"
+#include "platform/system/endsignals.h"
 #include "settings/status/statuslayout.h"
 #include "settings/status/statustable.h"
 #include "tools/tyx/command.h"
@@ -8,10 +9,7 @@
 #include "tools/tyx/recorder.h"
 
 #include <QFile>
-#include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <csignal>
 
 namespace tyx {
 
@@ -26,36 +24,6 @@ constexpr qsizetype kMostUnsettled = 100;
 
 Outcome problem(const QString &text) { return tl::make_unexpected(text); }
 
-// Signals that end a replay, which wait until it looks: between two events.
-class EndSignals {
-public:
-    EndSignals()
-    {
-        sigemptyset(&m_set);
-        sigaddset(&m_set, SIGINT);
-        sigaddset(&m_set, SIGTERM);
-        sigprocmask(SIG_BLOCK, &m_set, nullptr);
-    }
-
-    // False when one came meanwhile.
-    [[nodiscard]] bool pause(milliseconds time) const
-    {
-        const auto end = steady_clock::now() + time;
-        while (true) {
-            const auto rest = std::max(end - steady_clock::now(), steady_clock::duration::zero());
-            const auto seconds = std::chrono::floor<std::chrono::seconds>(rest);
-            const timespec patience{time_t(seconds.count()), long(std::chrono::nanoseconds(rest - seconds).count())};
-            if (sigtimedwait(&m_set, nullptr, &patience) > 0)
-                return false;
-            if (errno != EINTR)
-                return true;
-        }
-    }
-
-private:
-    sigset_t m_set = {};
-};
-
 class Replay {
 public:
     Outcome run(const QList<recording::Event> &events, bool fast);
@@ -67,7 +35,7 @@ private:
     static Outcome play(const recording::Message &message);
     static Outcome play(const recording::Status &status);
 
-    EndSignals m_signals;
+    platform::EndSignals m_signals; // looked at between two events
     InputWriter m_writer;
 };
 

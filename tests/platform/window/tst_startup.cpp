@@ -48,7 +48,7 @@ void TstStartup::serverSaysWhenItIsReady()
 
 void TstStartup::serverStopsCleanly()
 {
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         Server server;
         QVERIFY(QFile::exists(socketPath()));
         ::kill(pid_t(server.pid()), signal);
