@@ -92,7 +92,8 @@ private Q_SLOTS:
     void thePictureFollowsTheScreen();
     void thePanelIsTheStatusTable();
     void aKilledViewerLetsGo();
-    void aStoppedReplayLetsGo();
+    void aStoppedToolLetsGo_data();
+    void aStoppedToolLetsGo();
     void aPhoneThatDiesIsToldAndTheNextOneTaken();
 
 private:
@@ -263,16 +264,35 @@ void TstTyxPhone::aKilledViewerLetsGo()
     QCOMPARE(ends, QByteArrayList({"w release 53", "w up 50 100"}));
 }
 
-void TstTyxPhone::aStoppedReplayLetsGo()
+void TstTyxPhone::aStoppedToolLetsGo_data()
 {
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QByteArray>("begin");
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("replay") << u"keys replay /tmp/held"_s << SIGTERM << QByteArray("w down") << QByteArray("w up");
+    QTest::newRow("terminal") << u"keys replay /tmp/held"_s << SIGHUP << QByteArray("w down") << QByteArray("w up");
+    QTest::newRow("key") << u"keys hold 5 6 --for 600000"_s << SIGINT << QByteArray("w press 53 35 0 0")
+                         << QByteArray("w release 53");
+    QTest::newRow("pen") << u"touch drag --raw --for 600000 2000 2000 2100 2100"_s << SIGTERM << QByteArray("w down")
+                         << QByteArray("w up");
+}
+
+void TstTyxPhone::aStoppedToolLetsGo()
+{
+    QFETCH(QString, line);
+    QFETCH(int, signal);
+    QFETCH(QByteArray, begin);
+    QFETCH(QByteArray, end);
     Application application;
     fill(u"/tmp/held"_s,
         "tyx-recording 1\n" + QByteArray("0 touch 200 2000 2000\n").repeated(4) + "600000 touch 0 2000 2000\n");
-    PeerProcess replay(u"../bin/tyx"_s, {u"keys"_s, u"replay"_s, u"/tmp/held"_s});
-    QVERIFY(application.next("w down").startsWith("w down"));
-    ::kill(pid_t(replay.pid()), SIGTERM);
-    const QByteArray end = application.input("w move");
-    QVERIFY2(end.startsWith("w up"), end.constData());
+    PeerProcess tool(u"../bin/tyx"_s, line.split(u' '));
+    QVERIFY(application.next(begin).startsWith(begin));
+    ::kill(pid_t(tool.pid()), signal);
+    const QByteArray last = application.input(begin.startsWith("w press") ? "w press" : "w move"); // on the way by then
+    QVERIFY2(last.startsWith(end), last.constData());
+    QVERIFY(tool.waitForEnd());
 }
 
 void TstTyxPhone::aPhoneThatDiesIsToldAndTheNextOneTaken()

@@ -2,6 +2,7 @@
 #include "input/devices/storedcalibration.h"
 #include "input/logic/keymap.h"
 #include "platform/bus/qcopchannel.h"
+#include "platform/system/endsignals.h"
 #include "tools/tyx/command.h"
 #include "tools/tyx/inputwriter.h"
 #include "tools/tyx/panelplace.h"
@@ -14,6 +15,7 @@
 #include <cstdlib>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace tyx {
 
@@ -55,12 +57,43 @@ int noSuchKey(const std::string &name)
     return refuse(QStringLiteral("\"%1\" is no key of this phone; tyx keys list names them").arg(printable(name)));
 }
 
-InputWriter::Done put(InputWriter &writer, const RawKey &key, bool pressed)
+recording::Key keyRecord(const RawKey &key, bool pressed)
 {
-    return writer.write({key.device, quint16(key.number | (pressed ? keypad::kPressed : 0))});
+    return {key.device, quint16(key.number | (pressed ? keypad::kPressed : 0))};
 }
 
 int told(const InputWriter::Done &done) { return done ? int(Done) : fail(done.error()); }
+
+// A key or pen in the middle of what is done to the phone, to be released whatever comes: a signal, or a phone that
+// does not listen any more.
+class Gesture {
+public:
+    // Once something has failed, or a signal came, nothing more is written.
+    template <typename Event> void write(const Event &event)
+    {
+        if (m_done)
+            m_done = m_writer.write(event);
+    }
+    void pause(std::chrono::milliseconds time)
+    {
+        if (m_done && m_signals && !m_signals->pause(time))
+            m_done = tl::make_unexpected(QStringLiteral("stopped: keys and pen were released"));
+    }
+
+    // The exit status, when the phone has taken it all.
+    [[nodiscard]] int end()
+    {
+        if (!m_done)
+            m_writer.letGo();
+        m_signals.reset(); // nothing is held any more that was not to be
+        return told(m_done ? m_writer.settle() : m_done);
+    }
+
+private:
+    std::optional<platform::EndSignals> m_signals{std::in_place};
+    InputWriter m_writer;
+    InputWriter::Done m_done;
+};
 
 enum Moves { Press = 1, Release = 2 };
 
@@ -73,19 +106,15 @@ int move(const std::vector<std::string> &names, int moves, std::chrono::millisec
             return noSuchKey(name);
         keys.push_back(*key);
     }
-    InputWriter writer;
+    Gesture gesture;
     for (const RawKey &key : keys) {
-        if (moves & Press) {
-            if (const auto done = put(writer, key, true); !done)
-                return told(done);
-        }
-        pause(held);
-        if (moves & Release) {
-            if (const auto done = put(writer, key, false); !done)
-                return told(done);
-        }
+        if (moves & Press)
+            gesture.write(keyRecord(key, true));
+        gesture.pause(held);
+        if (moves & Release)
+            gesture.write(keyRecord(key, false));
     }
-    return told(writer.settle());
+    return gesture.end();
 }
 
 int press(const Options &o) { return move(o.keys, Press | Release, 0ms); }
@@ -143,27 +172,25 @@ int stroke(const Options &options)
                               .arg(typed.y()));
         places.push_back(*place);
     }
-    InputWriter writer;
+    Gesture gesture;
     const auto put = [&](const QPoint &p, quint16 pressure) {
-        return writer.write(recording::Touch{{pressure, quint16(p.x()), quint16(p.y())}});
+        gesture.write(recording::Touch{{pressure, quint16(p.x()), quint16(p.y())}});
     };
-    InputWriter::Done done;
-    for (int i = 0; i < kSettle && done; ++i)
-        done = put(places.front(), kPressure);
-    for (size_t i = 1; i < places.size() && done; ++i) {
+    for (int i = 0; i < kSettle; ++i)
+        put(places.front(), kPressure);
+    for (size_t i = 1; i < places.size(); ++i) {
         const QPoint way = places[i] - places[i - 1];
         const int steps = std::max({1, std::abs(way.x()) / kStep, std::abs(way.y()) / kStep});
-        for (int step = 1; step <= steps && done; ++step) {
-            pause(5ms); // a finger's pace: places between are dropped while an application is busy
-            done = put(places[i - 1] + way * step / steps, kPressure);
+        for (int step = 1; step <= steps; ++step) {
+            gesture.pause(5ms); // a finger's pace: places between are dropped while an application is busy
+            put(places[i - 1] + way * step / steps, kPressure);
         }
-        for (int still = 0; still < 2 && done; ++still) // the median comes along
-            done = put(places[i], kPressure);
+        for (int still = 0; still < 2; ++still) // the median comes along
+            put(places[i], kPressure);
     }
-    pause(std::chrono::milliseconds(options.milliseconds));
-    if (done)
-        done = put(places.back(), 0);
-    return told(done ? writer.settle() : done);
+    gesture.pause(std::chrono::milliseconds(options.milliseconds));
+    put(places.back(), 0);
+    return gesture.end();
 }
 
 int show(const Options &options)
