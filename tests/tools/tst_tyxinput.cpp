@@ -51,6 +51,15 @@ void TstTyxInput::withoutAPhoneItSaysSo()
         QCOMPARE(outcome.status, 3);
         QVERIFY2(outcome.err.contains("start tyx-guiserver"), outcome.err.constData());
     }
+    QCOMPARE(::mkfifo("/tmp/fifo", 0600), 0);
+    QVERIFY(QFile::resize(u"/tmp/good"_s, 257LL << 20));
+    for (const auto &[line, reason] : {std::pair("keys replay /tmp/fifo", "Invalid argument; name a regular file"),
+             std::pair("keys replay /tmp/good", "File too large")}) {
+        const Outcome outcome = tyx(QLatin1String(line));
+        QCOMPARE(outcome.status, 3);
+        QVERIFY2(outcome.err.contains(reason), outcome.err.constData());
+    }
+    QFile::remove(u"/tmp/good"_s);
     QCOMPARE(tyx(u"touch show"_s).out, "1 0 0 0 1 0 1  (none is stored)\n");
     QCOMPARE(tyx(u"touch calibrate 300 250 3700 3800 20 20 219 299"_s).out, "3835 0 160220 0 5150 23220 65536\n");
     QCOMPARE(tyx(u"touch show"_s).status, 0);

@@ -2,6 +2,7 @@
 #include "platform/bus/businspector.h"
 #include "platform/bus/qcopchannel.h"
 #include "platform/system/endsignals.h"
+#include "platform/system/filecontent.h"
 #include "settings/status/statuslayout.h"
 #include "settings/status/statustable.h"
 #include "tools/tyx/command.h"
@@ -90,13 +91,14 @@ Outcome Replay::run(const QList<recording::Event> &events, bool fast)
 int replay(const RecordingOptions &options)
 {
     constexpr qint64 kLargest = 256LL * 1024 * 1024;
-    QFile file(QFile::decodeName(options.file.c_str()));
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(file.fileName() + QStringLiteral(": ") + file.errorString());
-    const auto events = recording::parse(file.read(kLargest));
+    const auto content = platform::fileContent(QFile::decodeName(options.file.c_str()), kLargest);
+    if (!content)
+        return fail(QStringLiteral("%1: %2; name a regular file of 256 MiB at most")
+                        .arg(printable(options.file), content.error().text()));
+    const auto events = recording::parse(*content);
     if (!events)
         return fail(QStringLiteral("%1: %2; docs/formats/recording.md tells what a recording is")
-                        .arg(file.fileName(), events.error()));
+                        .arg(printable(options.file), events.error()));
     if (!platform::BusInspector::open())
         return fail(
             QStringLiteral("no phone is running here: start tyx-guiserver, or scripts/run.sh for one in a sandbox"));
@@ -105,7 +107,7 @@ int replay(const RecordingOptions &options)
     if (played)
         return Done;
     player.letGo(); // the releases would have come later
-    return fail(QStringLiteral("%1: %2").arg(file.fileName(), played.error()));
+    return fail(QStringLiteral("%1: %2").arg(printable(options.file), played.error()));
 }
 
 }
