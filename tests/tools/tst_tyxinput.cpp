@@ -10,6 +10,17 @@ namespace {
 
 Outcome tyx(const QString &line) { return run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), line.split(u' ')); }
 
+bool isRecording(QProcess &recorder)
+{
+    QByteArray said;
+    return QTest::qWaitFor(
+        [&] {
+            said += recorder.readAllStandardError();
+            return said.contains("recording");
+        },
+        20'000);
+}
+
 // A phone that nobody used before.
 struct Phone {
     Phone()
@@ -89,12 +100,11 @@ void TstTyxInput::aReplayEndsLikeTheOriginal()
         const Phone phone;
         QProcess recorder;
         recorder.start(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), {u"keys"_s, u"record"_s, u"/tmp/recording"_s});
-        QByteArray said;
-        const auto hears = [&] {
-            said += recorder.readAllStandardError();
-            return said.contains("recording");
-        };
-        QTRY_VERIFY(hears());
+        QVERIFY(isRecording(recorder));
+        QProcess cut; // for which there is no room
+        cut.start(u"/bin/sh"_s,
+            {u"-c"_s, u"trap '' XFSZ; ulimit -f 1; exec " TYX_BINARY_DIR "/bin/tyx keys record /tmp/cut"_s});
+        QVERIFY(isRecording(cut));
         for (const char *line : {"touch drag 40 240 60 120 120 220", "status set signal 4", "keys flip close",
                  "keys press F9 side", "keys flip open", "bus send TYX/System setOneEnv() qstring:A=b", "keys type 1",
                  "touch drag --for 50 180 120 200 240"})
@@ -106,6 +116,10 @@ void TstTyxInput::aReplayEndsLikeTheOriginal()
         recorder.terminate();
         QVERIFY(recorder.waitForFinished());
         QCOMPARE(recorder.exitCode(), 0);
+        QVERIFY(cut.state() == QProcess::NotRunning || cut.waitForFinished());
+        QCOMPARE(cut.exitCode(), 3);
+        QVERIFY(cut.readAllStandardError().contains("/tmp/cut: File too large"));
+        QVERIFY(tyx(u"keys record /dev/full"_s).err.contains("No space left on device"));
     }
     const QByteArray text = content(u"/tmp/recording"_s);
     for (const char *part : {" key button 0x8080\n", " key keypad 0x801f\n", " status signal 04\n", " status flip 01\n",

@@ -37,6 +37,12 @@ bool isOfTools(const QByteArray &channel)
         || channel.startsWith("TYX/Tool/");
 }
 
+int failToWrite(const QString &file, const QString &why)
+{
+    return fail(
+        QStringLiteral("%1: %2; record to a place with room that you may write to").arg(printable(file.toUtf8()), why));
+}
+
 class Recorder {
 public:
     explicit Recorder(QFile &file) : m_file(file) { }
@@ -60,6 +66,7 @@ private:
     QTimer m_nudges;
     QHash<qint64, bool> m_parts;
     qint64 m_written = 0;
+    QString m_loss; // why no more can be written; null while it can
 };
 
 // The bus tells of every message only to somebody who does nothing else, so another process listens. It is there as
@@ -87,7 +94,7 @@ int Recorder::run(double seconds)
     if (!m_clock.isValid())
         return fail(QStringLiteral("nothing was recorded: no phone answered"));
     std::fprintf(stderr, "tyx: %lld events\n", static_cast<long long>(m_written));
-    return m_file.flush() ? status : fail(m_file.fileName() + QStringLiteral(": ") + m_file.errorString());
+    return m_loss.isNull() ? status : failToWrite(m_file.fileName(), m_loss);
 }
 
 void Recorder::nudge() { QCopChannel::send("TYX/Tool/recorder", "begin()"); }
@@ -140,11 +147,17 @@ void Recorder::takeStatus(const SystemTableCopy &before, const SystemTableCopy &
 
 void Recorder::put(decltype(recording::Event::what) what)
 {
-    if (!m_clock.isValid())
+    if (!m_clock.isValid() || !m_loss.isNull())
         return;
-    m_file.write(recording::format({m_clock.elapsed(), std::move(what)}));
-    m_file.flush(); // whatever ends us
-    ++m_written;
+    // Flushed whatever ends us, and so that a full disk ends us at once; where a part found room, only the rest has a
+    // reason why not.
+    if (m_file.write(recording::format({m_clock.elapsed(), std::move(what)})) >= 0
+        && (m_file.flush() || m_file.flush())) {
+        ++m_written;
+        return;
+    }
+    m_loss = m_file.errorString();
+    QCoreApplication::exit(Failed);
 }
 
 // What the server and applications send is an effect of what came to them; others, which have gone by now or have no
@@ -170,8 +183,8 @@ int record(const RecordingOptions &options)
     if (::access(testpipe::kPath, W_OK) != 0)
         return fail(QStringLiteral("this phone keeps its keys to itself: start tyx-guiserver with TYX_TEST_AGENT=1"));
     QFile file(QFile::decodeName(options.file.c_str()));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(recording::header()) < 0)
-        return fail(file.fileName() + QStringLiteral(": ") + file.errorString());
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(recording::header()) < 0 || !file.flush())
+        return failToWrite(file.fileName(), file.errorString());
     return Recorder(file).run(options.seconds);
 }
 
