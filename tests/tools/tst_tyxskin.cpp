@@ -241,6 +241,11 @@ void TstTyxSkin::aSheetShowsThem()
     QCOMPARE(all.width(), 960);
     QCOMPARE(tyx("sheet t.skn out/sheet.png bar.g").status, 0);
     QVERIFY(QImage(u"out/sheet.png"_s).height() < all.height());
+    QVERIFY(QFile::link(u"sheet.png"_s, u"out/link.png"_s));
+    QCOMPARE(tyx({u"sheet"_s, u"t.skn"_s, u"out/link.png"_s}).status, 0);
+    QVERIFY(S_ISLNK(modeOf(u"out/link.png"_s)));
+    QCOMPARE(QImage(u"out/sheet.png"_s), all);
+    QCOMPARE(QImage::fromData(tyx({u"sheet"_s, u"t.skn"_s, u"-"_s}).out), all);
 }
 
 void TstTyxSkin::commandLines()

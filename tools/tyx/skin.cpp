@@ -2,7 +2,6 @@
 // phone's.
 #include "tools/tyx/skin.h"
 
-#include "platform/system/filereplace.h"
 #include "res/files/filecontent.h"
 #include "res/files/imagedecoder.h"
 #include "res/files/skinrect.h"
@@ -329,10 +328,7 @@ int sheet(const Options &options)
     const auto image = contactSheet(QFileInfo(options.path()).fileName(), skin->image, *rects);
     if (!image)
         return fail(QStringLiteral("%1: %2").arg(shown(options.path()), image.error()));
-    const QByteArray png = pngOf(*image);
-    const auto written =
-        platform::replaceFile(options.otherPath(), std::as_bytes(std::span(png.data(), size_t(png.size()))), 0644);
-    return written ? int{Done} : failToSave(options.otherPath(), written.error().text());
+    return saveTo(options.other, pngOf(*image));
 }
 
 template <CommandGroup<Options>::Action action> int onText(const Options &options)
@@ -389,7 +385,7 @@ void addSkin(CLI::App &app, int &exit)
     group.addJson(command);
 
     command = onFile("sheet", "Draws all pictures with their names on one image.", onText<sheet>);
-    command->add_option("PNG", options.other, "The image to write")->required();
+    command->add_option("PNG", options.other, "Where to; - is standard output")->required();
     someIds(command);
 }
 
