@@ -1,7 +1,10 @@
 #include "platform/system/fatal.h"
 
+#include <QStringList>
+#include <cerrno>
 #include <cstdio>
 #include <unistd.h>
+#include <utility>
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -33,6 +36,46 @@ QtMessageHandler installedHandler()
     return current;
 }
 
+// What is to be done about a fatal message while the toolkit starts.
+struct Start {
+    QtMessageHandler before = nullptr;
+    int status = 0;
+    const char *cure = "";
+    QStringList complaints; // of plug-ins, which are told when all went well
+};
+Start theStart;
+
+void whileStarting(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type == QtFatalMsg) { // which itself advises to install the toolkit again
+        const QString &reason = theStart.complaints.isEmpty() ? text : theStart.complaints.first();
+        giveUp(QStringLiteral("%1; %2").arg(reason.section(u'\n', 0, 0), QString::fromUtf8(theStart.cure)),
+            theStart.status);
+    }
+    if (type != QtDebugMsg && QByteArrayView(context.category).startsWith("qt.qpa"))
+        theStart.complaints.append(text);
+    else
+        theStart.before(type, context, text);
+}
+
+}
+
+GiveUpOnFatal::GiveUpOnFatal(int status, const char *cure)
+{
+    theStart = {qInstallMessageHandler(whileStarting), status, cure, {}};
+}
+
+GiveUpOnFatal::~GiveUpOnFatal()
+{
+    qInstallMessageHandler(theStart.before);
+    for (const QString &complaint : std::exchange(theStart.complaints, {}))
+        qWarning("%s", qPrintable(complaint));
+}
+
+void giveUp(const QString &why, int status)
+{
+    std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, qPrintable(why));
+    leave(status);
 }
 
 void fatal(const QString &text)

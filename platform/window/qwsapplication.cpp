@@ -114,19 +114,19 @@ void QWSApplication::startServer()
 {
     const ServerOptions &options = startup::serverOptions();
     if (!options.group.isEmpty() && getgrnam(options.group.constData()) == nullptr)
-        startup::giveUp(QStringLiteral("cannot serve the message bus: there is no group \"%1\"")
-                            .arg(QString::fromLocal8Bit(options.group)),
+        platform::giveUp(QStringLiteral("cannot serve the message bus: there is no group \"%1\"")
+                             .arg(QString::fromLocal8Bit(options.group)),
             1);
     // The bus comes first: a client that finds the screen finds the bus too.
     auto broker = platform::BusBroker::listen({.socketPath = {}, .group = options.group});
     if (!broker)
-        startup::giveUp(QStringLiteral("cannot serve the message bus at %1: %2")
-                            .arg(QString::fromLocal8Bit(platform::BusInspector::socketPath()), broker.error().text()),
+        platform::giveUp(QStringLiteral("cannot serve the message bus at %1: %2")
+                             .arg(QString::fromLocal8Bit(platform::BusInspector::socketPath()), broker.error().text()),
             1);
     d->broker = std::move(*broker);
     auto backend = loadWindowServer();
     if (!backend)
-        startup::giveUp(backend.error(), 1);
+        platform::giveUp(backend.error(), 1);
     d->server.reset(new QWSServer(std::move(*backend), options.size)); // its constructor is private
     startup::serverStarted();
 }

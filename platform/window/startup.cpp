@@ -9,7 +9,6 @@
 #include <QTemporaryFile>
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -22,6 +21,8 @@ using namespace std::chrono_literals;
 namespace startup {
 
 namespace {
+
+using platform::giveUp;
 
 constexpr auto kServerWait = 2s; // a phone starts its applications right behind its server
 
@@ -105,15 +106,7 @@ void requireFrameBuffer(const ServerOptions &options)
         giveUp(QStringLiteral("--platform linuxfb: there is no %1 on this machine").arg(device), 1);
 }
 
-QtMessageHandler theUsualHandler = nullptr;
-
-// What the toolkit cannot start with (a display, a device, a name) is no crash of ours: one line and status 1.
-void giveUpOnFatal(QtMsgType type, const QMessageLogContext &context, const QString &text)
-{
-    if (type == QtFatalMsg)
-        giveUp(text.section(u'\n', 0, 0), 1);
-    theUsualHandler(type, context, text);
-}
+std::optional<platform::GiveUpOnFatal> whileStarting;
 
 void prepareServer(int &argc, char **argv)
 {
@@ -123,7 +116,7 @@ void prepareServer(int &argc, char **argv)
     if (options->plugin() == "linuxfb")
         requireFrameBuffer(*options);
     requireRuntimeDirectory();
-    theUsualHandler = qInstallMessageHandler(giveUpOnFatal);
+    whileStarting.emplace(1, "name another screen with --platform");
     theServer.emplace(Server{*options, claimScreen(), nullptr});
     if (options->plugin() == "offscreen")
         theServer->screenDescription = describeScreen(*options);
@@ -133,12 +126,6 @@ void prepareServer(int &argc, char **argv)
         qputenv("QT_FONT_DPI", "96"); // as in the clients, whatever the display is that stands for the screen
 }
 
-}
-
-void giveUp(const QString &why, int status)
-{
-    std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, qPrintable(why));
-    platform::leave(status);
 }
 
 int &prepare(int &argc, char **argv, QWSApplication::Type type)
@@ -180,7 +167,7 @@ void settle()
         lookForHardwareQuietly();
 }
 
-void serverStarted() { qInstallMessageHandler(theUsualHandler); }
+void serverStarted() { whileStarting.reset(); }
 
 const ServerOptions &serverOptions()
 {

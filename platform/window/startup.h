@@ -17,6 +17,4 @@ void serverStarted(); // the server is up: what is fatal from here on is a crash
 
 const ServerOptions &serverOptions(); // of the server that prepare() was called for
 
-[[noreturn]] void giveUp(const QString &why, int status); // one line that names the program
-
 }

@@ -85,6 +85,7 @@ public:
 
 private Q_SLOTS:
     void initTestCase();
+    void withoutADisplayItSaysSo();
     void everyKeyIsHitWhereItIsDrawn();
     void everyKeyCanBeTyped();
     void keysAndPenReachTheApplication();
@@ -121,6 +122,22 @@ void TstTyxPhone::initTestCase()
     QTRY_VERIFY(flip->isChecked()); // the table is seen, and the flip not moved yet
     view().turnFlip(false);
     QTRY_VERIFY(!flip->isChecked());
+}
+
+void TstTyxPhone::withoutADisplayItSaysSo()
+{
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    qunsetenv("QT_QPA_PLATFORM");
+    qputenv("DISPLAY", ":77");
+    const Outcome dead = run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), {u"phone"_s});
+    qunsetenv("DISPLAY");
+    const Outcome none = run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), {u"phone"_s});
+    qputenv("QT_QPA_PLATFORM", platform);
+    for (const Outcome &outcome : {dead, none}) {
+        QCOMPARE(outcome.status, 3);
+        QCOMPARE(outcome.err.count('\n'), 1);
+        QVERIFY2(outcome.err.contains("display") && outcome.err.contains("set DISPLAY"), outcome.err.constData());
+    }
 }
 
 void TstTyxPhone::everyKeyIsHitWhereItIsDrawn()
