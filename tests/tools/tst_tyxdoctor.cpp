@@ -18,6 +18,7 @@ private Q_SLOTS:
     void findsNothingWrongOnAVirginPhone();
     void namesTheFaultAndTheCure_data();
     void namesTheFaultAndTheCure();
+    void looksAtDisksAndVariables();
     void asksTheServer();
 };
 
@@ -98,6 +99,25 @@ void TstTyxDoctor::namesTheFaultAndTheCure()
     const QJsonObject finding = about(all, place);
     QCOMPARE(finding[u"state"], u"wrong"_s);
     QVERIFY2(finding[u"cure"].toString().contains(cure), qPrintable(finding[u"cure"].toString()));
+}
+
+void TstTyxDoctor::looksAtDisksAndVariables()
+{
+    const QString locked = u"/tmp/locked/setup"_s; // the source tree, which is mounted read-only here
+    QCOMPARE(run(u"/bin/sh"_s, {u"-c"_s, u"mkdir /tmp/locked && ln -s " TYX_SOURCE_DIR "/docs "_s + locked}).status, 0);
+    qputenv("TYX_APP_WRITE_PATH", "/tmp/locked");
+    qputenv("TYX_RES_SKIN_FILE", "/etc/passwd");
+    const QJsonArray readOnly = findings(1);
+    QCOMPARE(about(readOnly, locked)[u"state"], u"wrong"_s);
+    QVERIFY(about(readOnly, locked)[u"cure"].toString().contains(u"remount"_s));
+    QCOMPARE(about(readOnly, u"TYX_RES_SKIN_FILE=/etc/passwd"_s)[u"state"], u"wrong"_s);
+    qunsetenv("TYX_APP_WRITE_PATH");
+    qunsetenv("TYX_RES_SKIN_FILE");
+    run(u"/bin/sh"_s, {u"-c"_s, u"cat /dev/zero > /tmp/large"_s});
+    const QJsonArray full = findings(1);
+    QVERIFY(QFile::remove(u"/tmp/large"_s));
+    QVERIFY(about(full, u"/tmp"_s)[u"text"].toString().contains(u"is full: 0 bytes"_s));
+    QVERIFY(about(full, u"TYX_RES_SKIN_FILE"_s)[u"text"].toString().contains(u"environment"_s));
 }
 
 void TstTyxDoctor::asksTheServer()

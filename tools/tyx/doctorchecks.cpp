@@ -6,6 +6,7 @@
 #include "appbase/messaging/queuefile.h"
 #include "platform/bus/businspector.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/packfile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -14,9 +15,11 @@
 #include <algorithm>
 #include <cstring>
 #include <ctime>
+#include <optional>
 #include <sys/msg.h>
 #include <sys/shm.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 #include <vector>
 
@@ -34,9 +37,35 @@ Finding wrong(const QString &about, const QString &text, const QString &cure)
     return {State::Wrong, about, text, cure};
 }
 
+Finding unset(const QString &variable, const QString &effect)
+{
+    return note(variable,
+        QStringLiteral("is not set: %1; set it as the installed file share/tyxappbase/environment does").arg(effect));
+}
+
 QString errorText(int number) { return QString::fromLocal8Bit(std::strerror(number)); }
 
 QString owner(uid_t user) { return user == ::geteuid() ? QStringLiteral("you") : QStringLiteral("user %1").arg(user); }
+
+// What the disk of a folder lacks, whatever the folder's mode says; none where it takes what is written.
+std::optional<Finding> diskFault(const QString &folder)
+{
+    constexpr quint64 kRoom = 64ULL * 1024; // a large file of settings, which is written beside the old one
+    struct statvfs disk = {};
+    if (::statvfs(QFile::encodeName(folder).constData(), &disk) != 0)
+        return std::nullopt;
+    if ((disk.f_flag & ST_RDONLY) != 0)
+        return wrong(folder, QStringLiteral("its disk is mounted read-only: nothing can be kept there"),
+            QStringLiteral("mount it for writing (mount -o remount,rw)"));
+    const quint64 room = quint64(disk.f_bavail) * disk.f_frsize;
+    const bool hasNoNames = disk.f_files > 0 && disk.f_favail == 0; // some file systems do not count them
+    if (room >= kRoom && !hasNoNames)
+        return std::nullopt;
+    return wrong(folder,
+        hasNoNames ? QStringLiteral("its disk has no room for another file")
+                   : QStringLiteral("its disk is full: %1 bytes are left").arg(room),
+        QStringLiteral("remove there what is not needed"));
+}
 
 QList<Finding> temporaryFolder()
 {
@@ -49,6 +78,8 @@ QList<Finding> temporaryFolder()
     if ((status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0)
         return {
             wrong(place, QStringLiteral("everybody may remove everybody's files"), QStringLiteral("chmod +t /tmp"))};
+    if (const auto fault = diskFault(place))
+        return {*fault};
     return {fine(place, QStringLiteral("can be written"))};
 }
 
@@ -199,8 +230,7 @@ QList<Finding> registryLocks()
     const char *directory = am::installedQtDirectory(1);
     const QString place = QStringLiteral("TYX_INSTALLED_QT_PATH=%1").arg(printable(directory));
     if (!directory)
-        return {
-            note(QStringLiteral("TYX_INSTALLED_QT_PATH"), QStringLiteral("is not set: the registry counts as busy"))};
+        return {unset(QStringLiteral("TYX_INSTALLED_QT_PATH"), QStringLiteral("the registry counts as busy"))};
     const auto key = am::registryKey(directory);
     if (!key && key.error().number == EINVAL)
         return {
@@ -216,26 +246,61 @@ QList<Finding> registryLocks()
     return {wrong(place, state.error().text(), QStringLiteral("run as its owner"))};
 }
 
-QList<Finding> folders()
+Finding settingsFolder()
 {
-    QList<Finding> findings;
     const QString settings = ZConfig::getSettingDirectory();
     const QFileInfo info(settings);
     if (!info.isDir())
-        findings.append(wrong(settings, QStringLiteral("there is no such folder: no setting can be kept"),
-            QStringLiteral("make it, or set TYX_APP_WRITE_PATH to the folder that holds setup/")));
-    else if (!info.isWritable())
-        findings.append(wrong(settings, QStringLiteral("you may not write there: no setting can be kept"),
-            QStringLiteral("give it to the user of the phone")));
-    else
-        findings.append(fine(settings, QStringLiteral("settings can be kept")));
-    for (const char *variable : {"TYX_RES_STRING_PATH", "TYX_RES_FONT_PATH", "TYX_RES_ICON_PATH", "TYX_LANG"}) {
-        const QString folder = qEnvironmentVariable(variable);
-        const QString place = QStringLiteral("%1=%2").arg(QLatin1String(variable), folder);
-        if (!folder.isEmpty())
-            findings.append(QFileInfo(folder).isDir() ? fine(place, QStringLiteral("is there"))
-                                                      : wrong(place, QStringLiteral("there is no such folder"),
-                                                          QStringLiteral("correct the variable, or unset it")));
+        return wrong(settings, QStringLiteral("there is no such folder: no setting can be kept"),
+            QStringLiteral("make it, or set TYX_APP_WRITE_PATH to the folder that holds setup/"));
+    if (const auto fault = diskFault(settings))
+        return *fault;
+    if (!info.isWritable())
+        return wrong(settings, QStringLiteral("you may not write there: no setting can be kept"),
+            QStringLiteral("give it to the user of the phone"));
+    return fine(settings, QStringLiteral("settings can be kept"));
+}
+
+// Where the programs of a phone look for what they show.
+struct Variable {
+    const char *name;
+    const char *without; // what it is like while it is not set; null: as it mostly is
+    std::optional<QString> (*fault)(const QString &path);
+};
+
+std::optional<QString> folderFault(const QString &path)
+{
+    return QFileInfo(path).isDir() ? std::nullopt : std::optional(QStringLiteral("there is no such folder"));
+}
+
+std::optional<QString> skinFault(const QString &path)
+{
+    const auto skin = res::MappedFile::open(path, res::Version::Skin);
+    return skin ? std::nullopt : std::optional(reasonOf(skin.error(), res::Version::Skin));
+}
+
+constexpr Variable kVariables[] = {
+    {"TYX_RES_STRING_PATH", "texts are English", folderFault},
+    {"TYX_RES_FONT_PATH", "texts have the toolkit's fonts", folderFault},
+    {"TYX_RES_ICON_PATH", "there are no built-in icons", folderFault},
+    {"TYX_RES_SKIN_FILE", "controls are plain", skinFault},
+    {"TYX_LANG", nullptr, folderFault},
+};
+
+QList<Finding> folders()
+{
+    QList<Finding> findings{settingsFolder()};
+    for (const Variable &variable : kVariables) {
+        const QString name = QString::fromLatin1(variable.name);
+        const QString path = qEnvironmentVariable(variable.name);
+        const QString place = name + u'=' + printable(path.toUtf8());
+        if (!path.isEmpty()) {
+            const auto fault = variable.fault(path);
+            findings.append(fault ? wrong(place, *fault, QStringLiteral("correct the variable, or unset it"))
+                                  : fine(place, QStringLiteral("is there")));
+        } else if (variable.without) {
+            findings.append(unset(name, QString::fromLatin1(variable.without)));
+        }
     }
     return findings;
 }
