@@ -14,18 +14,18 @@
 
 namespace {
 
-QString userFile() { return ZConfig::getSettingDirectory() + QLatin1String("pointercal"); }
-
 platform::Result<platform::Fd> openStored()
 {
     constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY; // a pipe in its place must not make the server wait
-    auto file = platform::Fd::open(QFile::encodeName(userFile()).constData(), kFlags);
+    auto file = platform::Fd::open(QFile::encodeName(calibrationFile()).constData(), kFlags);
     if (!file && file.error().number == ENOENT)
         return platform::Fd::open("/etc/pointercal", kFlags);
     return file;
 }
 
 }
+
+QString calibrationFile() { return ZConfig::getSettingDirectory() + QLatin1String("pointercal"); }
 
 std::optional<TP_Calibration_Parameter_T> storedCalibration()
 {
@@ -41,12 +41,14 @@ std::optional<TP_Calibration_Parameter_T> storedCalibration()
     return size > 0 ? calibration::parse({bytes.data(), size}) : std::nullopt;
 }
 
-bool storeCalibration(const TP_Calibration_Parameter_T &parameters)
+platform::Result<> storeCalibration(const TP_Calibration_Parameter_T &parameters)
 {
     constexpr mode_t kMode = 0644;
     if (parameters.a == 0 || parameters.e == 0 || parameters.s == 0)
-        return false;
+        return platform::failed("storeCalibration", EINVAL);
+    if (!QDir().mkpath(ZConfig::getSettingDirectory()))
+        return platform::failed("mkdir");
     const QByteArray text = calibration::format(parameters);
-    return QDir().mkpath(ZConfig::getSettingDirectory())
-        && platform::replaceFile(userFile(), std::as_bytes(std::span(text.constData(), size_t(text.size()))), kMode);
+    return platform::replaceFile(
+        calibrationFile(), std::as_bytes(std::span(text.constData(), size_t(text.size()))), kMode);
 }

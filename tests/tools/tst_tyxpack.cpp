@@ -176,7 +176,7 @@ void TstTyxPack::failures()
             ": in/.hidden: the first line is not that of the format; it is no resource file, or damaged: make it "
             "again\n"},
         {"create none/t.tyx in", 3,
-            ": none/t.tyx: open: No such file or directory; check its folder, and that the disk is not full\n"},
+            ": none/t.tyx: could not be saved: open: No such file or directory; make its folder first\n"},
         {"", 2, " pack: which command?; see tyx pack --help\n"}};
     for (const auto &[line, status, error] : rows) {
         const Outcome outcome = tyx(line);

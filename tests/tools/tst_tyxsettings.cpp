@@ -90,6 +90,20 @@ void TstTyxSettings::namesWhatFails()
     QVERIFY(QDir().rmdir(kCopy + u".new"_s) && QFile::remove(kSystem));
     QCOMPARE(halfSet.status, 3);
     QVERIFY2(halfSet.err.startsWith("tyx: /tmp/tyx_system.cfg: could not be saved"), halfSet.err.constData());
+    // The source tree is mounted read-only here.
+    QVERIFY(QDir().mkpath(u"/tmp/locked"_s) && QFile::link(u"" TYX_SOURCE_DIR "/docs"_s, u"/tmp/locked/setup"_s));
+    qputenv("TYX_APP_WRITE_PATH", "/tmp/locked");
+    for (const QStringList &line : QList<QStringList>{{u"settings"_s, u"set"_s, u"bluetooth"_s, u"on"_s},
+             {u"config"_s, u"set"_s, u"/tmp/locked/setup/t.cfg"_s, u"G"_s, u"k"_s, u"v"_s},
+             {u"touch"_s, u"calibrate"_s, u"300"_s, u"250"_s, u"3700"_s, u"3800"_s, u"20"_s, u"20"_s, u"219"_s,
+                 u"299"_s}}) {
+        const Outcome locked = run(kTyx, line);
+        QCOMPARE(locked.status, 3);
+        QVERIFY2(locked.err.startsWith("tyx: /tmp/locked/setup/") && locked.err.contains(": could not be saved: ")
+                && locked.err.contains("Read-only file system; mount its disk for writing"),
+            locked.err.constData());
+    }
+    qunsetenv("TYX_APP_WRITE_PATH");
     const Outcome listed = settings("list");
     QVERIFY(listed.out.contains("\nlock-code = ****\n") && listed.out.contains("\nbluetooth = off\n"));
 }

@@ -267,7 +267,7 @@ void TstTyxSkin::commandLines()
             ": in/Phone.png: the first line is not that of the format; it is no skin file, or damaged: make it "
             "again\n"},
         {"create none/t.skn in", 3,
-            ": none/t.skn: open: No such file or directory; check its folder, and that the disk is not full\n"}};
+            ": none/t.skn: could not be saved: open: No such file or directory; make its folder first\n"}};
     for (const auto &[line, status, error] : rows) {
         const Outcome outcome = tyx(line);
         QCOMPARE(outcome.err, "tyx" + QByteArray(error));

@@ -67,7 +67,12 @@ int saveTo(const std::string &file, const QByteArray &bytes)
     }
     const QString name = QFile::decodeName(file.c_str());
     const auto saved = saveFile(name, bytes);
-    return saved ? int(Done) : fail(printable(name.toUtf8()) + QStringLiteral(": cannot be written: ") + saved.error());
+    return saved ? int(Done) : failToSave(name, saved.error());
+}
+
+int failToSave(const QString &file, const QString &why, int number)
+{
+    return fail(printable(notSaved(file, why, number).toUtf8()));
 }
 
 bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }

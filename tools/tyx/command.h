@@ -39,6 +39,9 @@ std::optional<qint64> wholeNumber(const std::string &text);
 // Replaces a file, or writes to standard output when it is "-".
 [[nodiscard]] int saveTo(const std::string &file, const QByteArray &bytes);
 
+// Of a file that could not be saved (notSaved()); yields Exit::Failed.
+[[nodiscard]] int failToSave(const QString &file, const QString &why, int number = 0);
+
 // For output that somebody waits for. False when it is lost: nobody listens any more, or the disk is full.
 [[nodiscard]] bool flushOutput();
 

@@ -162,35 +162,12 @@ tl::expected<config::ConfigText, int> changeable(const Arguments &arguments)
     return config::ConfigText(config::decoded(old));
 }
 
-QString cureOfSaving(const Arguments &arguments, int error)
-{
-    switch (error) {
-    case EWOULDBLOCK:
-        return QStringLiteral("another program holds %1.new; try again").arg(arguments.path());
-    case EISDIR:
-    case EEXIST:
-    case ELOOP:
-        return QStringLiteral("remove %1.new").arg(arguments.path());
-    case ENOENT:
-        return QStringLiteral("create its folder");
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return QStringLiteral("make its folder writable");
-    default:
-        return QStringLiteral("check that the disk is not full");
-    }
-}
-
 // Not by ZConfig: its saves do not say why they failed, and answer true when only the rename did.
 int save(const Arguments &arguments, const config::ConfigText &text)
 {
     const QByteArray bytes = text.format();
     const auto saved = platform::replaceFile(arguments.path(), std::as_bytes(std::span(bytes)), config::kFileMode);
-    if (saved)
-        return Done;
-    return fail(QStringLiteral("%1: could not be saved: %2; %3")
-                    .arg(arguments.path(), saved.error().text(), cureOfSaving(arguments, saved.error().number)));
+    return saved ? int(Done) : failToSave(arguments.path(), saved.error().text(), saved.error().number);
 }
 
 int set(const Arguments &arguments)

@@ -213,8 +213,8 @@ int calibrate(const Options &options)
     const auto computed = calibration::fromCorners({{n[0], n[1]}, {n[2], n[3]}}, {{n[4], n[5]}, {n[6], n[7]}});
     if (!computed)
         return refuse(QStringLiteral("these points give no calibration: two of them share a row or a column"));
-    if (!storeCalibration(*computed))
-        return fail(QStringLiteral("pointercal cannot be written into the settings directory"));
+    if (const auto stored = storeCalibration(*computed); !stored)
+        return failToSave(calibrationFile(), stored.error().text(), stored.error().number);
     QCopChannel::send("TYX/TouchPanel", "restoreCalibration()"); // a server that runs
     return show(options);
 }

@@ -33,11 +33,6 @@ int failAll(const QStringList &lines)
     return Failed;
 }
 
-int failToSave(const QString &path, const QString &error)
-{
-    return fail(QStringLiteral("%1: %2; check its folder, and that the disk is not full").arg(shown(path), error));
-}
-
 QString reasonOf(const res::LoadError &error, res::Version version)
 {
     switch (error.step) {

@@ -37,7 +37,6 @@ inline int refuseOtherThanText(const PackOptions &options)
 // What a file or its name holds may be anything.
 QString shown(const QString &text);
 int failAll(const QStringList &lines);
-int failToSave(const QString &path, const QString &error);
 
 QString reasonOf(const res::LoadError &error, res::Version version);
 tl::expected<res::MappedFile, int> opened(const QString &path, res::Version version); // the error is told

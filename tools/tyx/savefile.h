@@ -12,4 +12,8 @@ namespace tyx {
 // for people.
 tl::expected<void, QString> saveFile(const QString &name, const QByteArray &bytes);
 
+// For people: that the file could not be saved, why, and what to do about it. That is told by `number`, an errno; where
+// whoever saved it gave none (0), by what its folder would say to a new file.
+QString notSaved(const QString &name, const QString &why, int number);
+
 }

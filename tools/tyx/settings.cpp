@@ -7,6 +7,7 @@
 #include "settings/files/settingkeys.h"
 #include "settings/files/settingswatch.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/savefile.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -169,12 +170,11 @@ QString whyNotSaved(const Row &row, const QString &text)
         if (!folder.isDir())
             return QStringLiteral("%1: there is no folder %2; %3 makes it").arg(file, folder.filePath(), maker);
         if (!folder.isWritable())
-            return QStringLiteral("%1: could not be saved; make its folder writable").arg(file);
+            return notSaved(file, {}, 0);
     }
     // The copy comes last: where the file has the value, it is the copy that has not.
     const bool isCopy = row.place.copy != settings::Copy::None && has(settings::fileName(row.place.file));
-    return QStringLiteral("%1: could not be saved; check that the disk is not full, and that nobody holds %1.new")
-        .arg(isCopy ? settings::copyName(row.place.file) : settings::fileName(row.place.file));
+    return notSaved(isCopy ? settings::copyName(row.place.file) : settings::fileName(row.place.file), {}, 0);
 }
 
 int set(const Options &options) { return setSetting(options.name, options.value); }
