@@ -246,7 +246,8 @@ void TstTyxBus::withoutServerTheCureIsNamed()
         QCOMPARE(outcome.status, 3);
         QCOMPARE(outcome.out, "");
         QCOMPARE(outcome.err,
-            "tyx: no phone is running: nothing listens at /tmp/run/tyx-bus; start it with tyx-guiserver\n");
+            "tyx: no phone is running: nothing listens at /tmp/run/tyx-bus; start tyx-guiserver, on a desktop in a "
+            "shell of tyx-sandbox (of the source tree: scripts/run.sh)\n");
     }
 }
 

@@ -28,7 +28,7 @@ void TstTyxScreen::withoutAPhoneItSaysSo()
 {
     const Outcome shot = screen("shot /tmp/a.png");
     QCOMPARE(shot.status, 3);
-    QVERIFY(shot.err.startsWith("tyx: no phone is running here"));
+    QVERIFY(shot.err.startsWith("tyx: no phone is running: "));
     QVERIFY(!QFile::exists(u"/tmp/a.png"_s));
     for (const QString &name : {u"NoSuchKey"_s, u""_s, u"Ctrl+"_s, u"Hyper+A"_s, u"+Ctrl"_s, u"unknown"_s})
         QCOMPARE(screen({u"key"_s, name}).status, 2);

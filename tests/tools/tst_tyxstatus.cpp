@@ -38,8 +38,8 @@ void TstTyxStatus::withoutATableTheCureIsNamed()
     for (const char *line : {"list", "get pin", "set pin 1", "dump"}) {
         const Outcome outcome = status(line);
         QCOMPARE(outcome.status, 3);
-        QCOMPARE(
-            outcome.err, "tyx: there is no status table here; start tyx-guiserver, or make one with tyx status init\n");
+        QVERIFY2(outcome.err.startsWith("tyx: there is no status table here; make one with tyx status init, or start "),
+            outcome.err.constData());
     }
     QVERIFY(::symlink("/tmp/elsewhere", "/tmp/key_testcommand") == 0);
     QVERIFY(status("init").err.startsWith("tyx: /tmp/key_testcommand: open: File exists; remove"));

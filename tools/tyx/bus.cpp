@@ -5,6 +5,7 @@
 #include "tools/tyx/command.h"
 #include "tools/tyx/monitor.h"
 #include "tools/tyx/sendcheck.h"
+#include "tools/tyx/server.h"
 
 #include <QCopChannel>
 #include <QJsonArray>
@@ -36,15 +37,6 @@ struct Options {
     bool queued = false;
     bool strict = false;
 };
-
-int failNoServer(const platform::SysError &error)
-{
-    const QString place = QString::fromLocal8Bit(BusInspector::socketPath());
-    if (error.number == ENOENT || error.number == ECONNREFUSED)
-        return fail(
-            QStringLiteral("no phone is running: nothing listens at %1; start it with tyx-guiserver").arg(place));
-    return fail(QStringLiteral("the bus at %1 cannot be used: %2").arg(place, error.text()));
-}
 
 int failGone(const BusInspector &bus)
 {
@@ -109,7 +101,7 @@ int sendQueued(const Draft &draft)
 int sendNow(const Draft &draft, const platform::Result<std::unique_ptr<BusInspector>> &bus)
 {
     if (!bus)
-        return failNoServer(bus.error());
+        return fail(whyNoServer(bus.error()));
     const BusInspector::Sent message = {
         .pid = 0, .channel = draft.channel, .message = draft.message, .data = draft.arguments.data};
     return (*bus)->send(message) ? int(Done) : failGone(**bus);
@@ -176,7 +168,7 @@ int list(const Options &options)
 {
     const auto bus = BusInspector::open();
     if (!bus)
-        return failNoServer(bus.error());
+        return fail(whyNoServer(bus.error()));
     const auto all = (*bus)->registrations();
     if (!all)
         return failGone(**bus);
@@ -245,7 +237,7 @@ int wait(const Options &options)
     while (!QCopChannel::isRegistered(options.channel.c_str())) {
         if (std::chrono::steady_clock::now() >= end) {
             const auto bus = BusInspector::open();
-            return bus ? int(AnsweredNo) : failNoServer(bus.error());
+            return bus ? int(AnsweredNo) : fail(whyNoServer(bus.error()));
         }
         std::this_thread::sleep_for(20ms);
     }
@@ -267,7 +259,7 @@ int monitorBus(const std::function<bool(const BusInspector::Sent &)> &isWanted, 
 {
     const auto bus = BusInspector::open();
     if (!bus)
-        return failNoServer(bus.error());
+        return fail(whyNoServer(bus.error()));
     int seen = 0;
     const bool stopped = (*bus)->observe([&](const BusInspector::Sent &sent) {
         return !isWanted(sent) || (print(sent, asJson) && (count == 0 || ++seen < count));

@@ -7,6 +7,7 @@
 #include "platform/bus/businspector.h"
 #include "tools/tyx/command.h"
 #include "tools/tyx/packfile.h"
+#include "tools/tyx/server.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -90,7 +91,7 @@ QList<Finding> bus()
     if (!bus) {
         switch (bus.error().number) {
         case ENOENT:
-            return {note(place, QStringLiteral("no phone is running; start it with tyx-guiserver"))};
+            return {note(place, QStringLiteral("no phone is running; ") + QLatin1String(kStartIt))};
         case ECONNREFUSED:
             return {wrong(place, QStringLiteral("left behind by a server that died"),
                 QStringLiteral("start tyx-guiserver, which replaces it"))};

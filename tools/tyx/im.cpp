@@ -6,6 +6,7 @@
 #include "textinput/state/inputmethodsegment.h"
 #include "tools/tyx/command.h"
 #include "tools/tyx/monitor.h"
+#include "tools/tyx/server.h"
 #include "tools/tyx/settings.h"
 
 #include <QJsonArray>
@@ -93,8 +94,8 @@ std::optional<State> current()
 
 int noState()
 {
-    return fail(QStringLiteral("no input method server runs: %1 or its segment is missing; start tyx-guiserver")
-                    .arg(QString::fromLatin1(imsegment::kFile)));
+    return fail(QStringLiteral("no input method server runs: %1 or its segment is missing; %2")
+                    .arg(QString::fromLatin1(imsegment::kFile), QLatin1String(kStartIt)));
 }
 
 int list(const Options &options)
@@ -142,7 +143,8 @@ int show(const Options &options)
 int send(const QCString &channel, const QCString &message, const QByteArray &arguments)
 {
     if (!QCopChannel::isRegistered(channel))
-        return fail(QStringLiteral("nobody has the channel %1: no GUI server runs").arg(QString::fromLatin1(channel)));
+        return fail(
+            QStringLiteral("nobody has the channel %1; %2").arg(QString::fromLatin1(channel), QLatin1String(kStartIt)));
     return QCopChannel::send(channel, message, arguments) ? Done : fail(QStringLiteral("the bus did not take it"));
 }
 

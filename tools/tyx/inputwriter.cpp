@@ -2,11 +2,8 @@
 
 #include "appbase/messaging/wire.h"
 #include "input/devices/testpipe.h"
-#include "platform/bus/qcopchannel.h"
+#include "tools/tyx/server.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QTimer>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -28,6 +25,8 @@ constexpr auto kLookAgain = 1ms;
 
 tl::unexpected<QString> error(const QString &text) { return tl::make_unexpected(text); }
 
+QString nobodyReadsIt() { return QStringLiteral("nobody reads it; ") + QLatin1String(kStartIt); }
+
 // A driver's device cannot be written to; then the pipe of a phone under test takes its keys.
 tl::expected<Fd, QString> openForKeys(const char *path)
 {
@@ -38,8 +37,7 @@ tl::expected<Fd, QString> openForKeys(const char *path)
         if (fd && ::fstat(fd->get(), &status) == 0 && S_ISFIFO(status.st_mode))
             return std::move(*fd);
         if (!fd && each == path)
-            reason =
-                fd.error().number == ENXIO ? QStringLiteral("nobody reads it: start tyx-guiserver") : fd.error().text();
+            reason = fd.error().number == ENXIO ? nobodyReadsIt() : fd.error().text();
     }
     return error(QStringLiteral("%1: %2").arg(QString::fromLatin1(path), reason));
 }
@@ -53,18 +51,7 @@ bool isEmpty(const Fd &fifo)
 // A text without characters is typed when the application with the focus has read all that came before.
 bool applicationsHaveRead()
 {
-    const QCString name("TYX/Tool/" + QByteArray::number(QCoreApplication::applicationPid()) + "/settle");
-    QCopChannel channel(name);
-    QEventLoop loop;
-    bool answered = false;
-    QObject::connect(&channel, &QCopChannel::received, &loop, [&] {
-        answered = true;
-        loop.quit();
-    });
-    QTimer::singleShot(kPatience, &loop, &QEventLoop::quit);
-    if (QCopChannel::send("TYX/Screen", "text(QCString,QString)", wire::pack(name, QString())))
-        loop.exec();
-    return answered;
+    return askServer("text(QCString,QString)", wire::pack(QString()), kPatience).has_value();
 }
 
 }
@@ -110,9 +97,8 @@ InputWriter::Done InputWriter::write(const recording::Touch &touch)
         auto opened = Fd::open(kPath, O_WRONLY | O_NONBLOCK);
         struct stat status = {};
         if (!opened)
-            return error(QStringLiteral("%1: %2").arg(QLatin1String(kPath),
-                opened.error().number == ENXIO ? QStringLiteral("nobody reads it: start tyx-guiserver")
-                                               : opened.error().text()));
+            return error(QStringLiteral("%1: %2").arg(
+                QLatin1String(kPath), opened.error().number == ENXIO ? nobodyReadsIt() : opened.error().text()));
         if (::fstat(opened->get(), &status) != 0 || !S_ISFIFO(status.st_mode))
             return error(QStringLiteral("%1: it is a device, which only fingers touch").arg(QLatin1String(kPath)));
         m_touch = std::move(*opened);

@@ -9,6 +9,7 @@
 #include "settings/status/statuslayout.h"
 #include "settings/status/systemstatuswatcher.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/server.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -178,8 +179,8 @@ bool Recorder::isPartOfThePhone(qint64 pid)
 
 int record(const RecordingOptions &options)
 {
-    if (!platform::BusInspector::open())
-        return fail(QStringLiteral("no phone is running here: start tyx-guiserver with TYX_TEST_AGENT=1"));
+    if (const auto bus = platform::BusInspector::open(); !bus)
+        return fail(whyNoServer(bus.error()) + QStringLiteral(", with TYX_TEST_AGENT=1"));
     if (::access(testpipe::kPath, W_OK) != 0)
         return fail(QStringLiteral("this phone keeps its keys to itself: start tyx-guiserver with TYX_TEST_AGENT=1"));
     QFile file(QFile::decodeName(options.file.c_str()));

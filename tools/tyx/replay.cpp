@@ -8,6 +8,7 @@
 #include "tools/tyx/command.h"
 #include "tools/tyx/inputwriter.h"
 #include "tools/tyx/recorder.h"
+#include "tools/tyx/server.h"
 
 #include <QFile>
 #include <chrono>
@@ -99,9 +100,8 @@ int replay(const RecordingOptions &options)
     if (!events)
         return fail(QStringLiteral("%1: %2; docs/formats/recording.md tells what a recording is")
                         .arg(printable(options.file), events.error()));
-    if (!platform::BusInspector::open())
-        return fail(
-            QStringLiteral("no phone is running here: start tyx-guiserver, or scripts/run.sh for one in a sandbox"));
+    if (const auto bus = platform::BusInspector::open(); !bus)
+        return fail(whyNoServer(bus.error()));
     Replay player;
     const auto played = player.run(*events, options.fast);
     if (played)

@@ -1,15 +1,13 @@
 // tyx screen: what the phone shows, and hands to use it.
 #include "appbase/messaging/wire.h"
+#include "platform/bus/businspector.h"
 #include "platform/bus/qcopchannel.h"
 #include "tools/tyx/command.h"
 #include "tools/tyx/keyname.h"
+#include "tools/tyx/server.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QTimer>
 #include <chrono>
 #include <optional>
 
@@ -19,33 +17,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kScreen[] = "TYX/Screen";
 constexpr auto kAnswerWait = 5s; // a server that draws a large picture on a slow processor needs one
-
-struct Reply {
-    QCString message;
-    QByteArray content;
-};
 
 // Sends a request to the GUI server and waits for its answer; nothing, with the error told, when there is none.
 template <typename... T> std::optional<Reply> ask(const QCString &request, const T &...arguments)
 {
-    if (!QCopChannel::isRegistered(kScreen)) {
-        std::ignore = fail(
-            QStringLiteral("no phone is running here: start tyx-guiserver, or scripts/run.sh for one in a sandbox"));
+    if (!QCopChannel::isRegistered("TYX/Screen")) {
+        const auto bus = platform::BusInspector::open();
+        std::ignore = fail(whyNoServer(bus ? std::nullopt : std::optional(bus.error())));
         return {};
     }
-    const QCString name("TYX/Tool/" + QByteArray::number(QCoreApplication::applicationPid()));
-    QCopChannel channel(name);
-    std::optional<Reply> reply;
-    QEventLoop loop;
-    QObject::connect(&channel, &QCopChannel::received, &loop, [&](const QCString &message, const QByteArray &content) {
-        reply = Reply{message, content};
-        loop.quit();
-    });
-    QTimer::singleShot(kAnswerWait, &loop, &QEventLoop::quit);
-    if (QCopChannel::send(kScreen, request, wire::pack(name, arguments...)))
-        loop.exec();
+    auto reply = askServer(request, wire::pack(arguments...), kAnswerWait);
     if (!reply)
         std::ignore = fail(QStringLiteral("the GUI server does not answer: it is busy or stopped"));
     return reply;

@@ -4,6 +4,7 @@
 #include "settings/status/statustable.h"
 #include "settings/status/systemstatuswatcher.h"
 #include "tools/tyx/command.h"
+#include "tools/tyx/server.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -49,7 +50,8 @@ int noTable()
 {
     if (isBlocked(status::kTableProject, 0666))
         return Failed;
-    return fail(QStringLiteral("there is no status table here; start tyx-guiserver, or make one with tyx status init"));
+    return fail(QStringLiteral("there is no status table here; make one with tyx status init, or %1")
+                    .arg(QLatin1String(kStartIt)));
 }
 
 const Row *find(const std::string &name)
