@@ -57,6 +57,7 @@ void TstTyxBus::sendWritesTheArgumentsAsTheyAreTyped_data()
     row("hex", words("--hex 00fF"), 0, "00ff");
     row("half a byte", words("--hex 0ff"), 2, "not pairs of hexadecimal digits");
     row("numbers", words("int:-2 uint:0x10 bool:true"), 0, "fffffffe0000001000000001");
+    row("decimal", words("int:010"), 0, "0000000a");
     row("texts", words("qstring:a: qcstring:"), 0, "000000040061003a0000000100");
     row("bytes", words("bytes:0102 raw:0102"), 0, "0000000201020102");
     row("uuid", words("uuid:{01234567-89ab-cdef-0123-456789abcdef}"), 0, "0123456789abcdef0123456789abcdef");

@@ -259,6 +259,10 @@ void TstTyxSkin::commandLines()
         {"create t.skn in --size 10x", 2,
             " skin create: --size: \"10x\" should be a size in pixels, like 256x512, of 64 MiB at most; see tyx skin "
             "create --help\n"},
+        {"create t.skn in --size +10x10", 2,
+            " skin create: --size: \"+10x10\" should be a size in pixels, like 256x512, of 64 MiB at most; see tyx "
+            "skin "
+            "create --help\n"},
         {"create t.skn in --size 32000x32000", 2,
             " skin create: --size: \"32000x32000\" should be a size in pixels, like 256x512, of 64 MiB at most; see "
             "tyx skin create --help\n"},

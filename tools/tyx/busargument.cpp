@@ -1,10 +1,12 @@
 #include "tools/tyx/busargument.h"
 
+#include "tools/tyx/command.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
 #include <algorithm>
 #include <array>
-#include <limits>
+#include <utility>
 
 namespace tyx {
 
@@ -21,13 +23,10 @@ std::optional<QUuid> uuidFrom(const QString &text)
     return uuid;
 }
 
-template <typename T> std::optional<T> numberFrom(const QString &text)
+template <typename T> std::optional<T> numberOf(const QString &text)
 {
-    bool ok = false;
-    const qlonglong number = text.toLongLong(&ok, 0);
-    if (!ok || number < std::numeric_limits<T>::min() || number > std::numeric_limits<T>::max())
-        return {};
-    return T(number);
+    const auto number = wholeNumber(text.toStdString());
+    return number && std::in_range<T>(*number) ? std::optional(T(*number)) : std::nullopt;
 }
 
 // The parts of "a,b,c"; none of an empty text.
@@ -38,7 +37,7 @@ QStringList partsOf(const QString &text, QChar separator)
 
 template <typename T> bool putNumber(Writer &out, const QString &text)
 {
-    const auto number = numberFrom<T>(text);
+    const auto number = numberOf<T>(text);
     out.value(number.value_or(0));
     return number.has_value();
 }
@@ -136,7 +135,7 @@ bool putInts(Writer &out, const QString &text)
 {
     QList<qint32> list;
     for (const QString &part : partsOf(text, u',')) {
-        const auto number = numberFrom<qint32>(part);
+        const auto number = numberOf<qint32>(part);
         if (!number)
             return false;
         list.append(*number);

@@ -38,9 +38,10 @@ CLI::Validator atlasSizes()
 {
     const auto check = [](const std::string &word) {
         const QStringList numbers = QString::fromStdString(word).split(u'x');
-        const auto fits = [](const QString &number) { return number.toInt() > 0 && number.toInt() < 32768; };
-        const bool right = numbers.size() == 2 && fits(numbers[0]) && fits(numbers[1])
-            && numbers[0].toLongLong() * numbers[1].toLongLong() <= res::kMaxImageBytes / 4;
+        const auto side = [&](qsizetype i) { return wholeNumber(numbers.value(i).toStdString()).value_or(0); };
+        const auto fits = [](qint64 pixels) { return pixels > 0 && pixels < 32768; };
+        const bool right =
+            numbers.size() == 2 && fits(side(0)) && fits(side(1)) && side(0) * side(1) <= res::kMaxImageBytes / 4;
         return right ? std::string() : "\"" + word + "\" should be a size in pixels, like 256x512, of 64 MiB at most";
     };
     return {check, "WIDTHxHEIGHT"};
