@@ -7,12 +7,12 @@
 #include "guiserver/screenservice.h"
 #include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
+#include "platform/system/commandline.h"
 #include "platform/window/qwsserver.h"
 #include "settings/files/setup_utility.h"
 #include "settings/status/statustable.h"
 #include "textinput/server/zimserver.h"
 
-#include <CLI/CLI.hpp>
 #include <QWidget>
 #include <cstdio>
 #include <optional>
@@ -31,16 +31,8 @@ std::optional<int> checkArguments(int argc, char **argv)
         "Where the screen is: offscreen, xcb (a window), vnc or linuxfb; the plug-in's own options follow a colon "
         "(vnc:port=5901). Default: xcb when DISPLAY is set, else offscreen");
     program.add_option("--size", size, "Size of the screen as WIDTHxHEIGHT in pixels (default 240x320)");
-    program.failure_message([](const CLI::App *app, const CLI::Error &error) {
-        return app->get_name() + ": " + error.what() + "; see " + app->get_name() + " --help\n";
-    });
     program.add_option("--group", group, "Members of this group may use the message bus too");
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError &error) {
-        return program.exit(error) == 0 ? 0 : 2;
-    }
-    return std::nullopt;
+    return platform::parse(program, argc, argv);
 }
 
 // True beside another server, whose tables and settings must not be touched. Without the file there is no telling.

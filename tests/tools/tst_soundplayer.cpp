@@ -95,6 +95,9 @@ void TstSoundPlayer::withoutADeviceItTellsWhatItWouldPlay()
     QCOMPARE(lines[4], "cannot play /tmp/fast.wav: it has 1 channels of 1073741824 Hz");
     QFile::remove(QString::fromLatin1(SoundQueue::kKeyFile));
     QCOMPARE(play(1).status, 3);
+    const Outcome wrong = play(0);
+    QCOMPARE(wrong.status, 2);
+    QVERIFY2(wrong.err.startsWith("tyx-soundplayer: --count: ") && wrong.err.count('\n') == 1, wrong.err.constData());
 }
 
 QTEST_GUILESS_MAIN(TstSoundPlayer)

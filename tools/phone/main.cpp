@@ -1,10 +1,10 @@
 // tyx-phone, what `tyx phone` starts: the phone in a window of the desktop. It attaches to the GUI server that runs
 // beside it, and may come and go as it likes.
+#include "platform/system/commandline.h"
 #include "platform/system/endsignals.h"
 #include "platform/system/fatal.h"
 #include "tools/phone/phonewindow.h"
 
-#include <CLI/CLI.hpp>
 #include <QApplication>
 #include <QSocketNotifier>
 #include <cerrno>
@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr int kUsage = 2;
 constexpr int kFailed = 3;
 constexpr char kCure[] = "start it on a desktop, or set DISPLAY to one that you may use";
 
@@ -55,11 +54,8 @@ int main(int argc, char **argv)
     CLI::App program("Shows the phone that runs here in a window, with its keys, its flip and its state.", name);
     program.add_option("--name", options.name, "A name for the window's title, where several phones run");
     program.add_option("--folder", options.folder, "Where screenshots and recordings are put first (default: here)");
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError &error) {
-        return program.exit(error) == 0 ? 0 : kUsage;
-    }
+    if (const auto status = platform::parse(program, argc, argv))
+        return *status;
     if (!hasDisplay())
         platform::giveUp(QStringLiteral("there is no display; ") + QString::fromUtf8(kCure), kFailed);
     return run(argc, argv, options);

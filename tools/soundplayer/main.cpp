@@ -1,16 +1,15 @@
 // The phone's sound player: takes sounds from the queue of keys and pen, and plays them one after the other. Where
 // there is no audio device it prints what it would play, so that a phone without ears can be tested too.
 #include "appbase/messaging/soundqueue.h"
+#include "platform/system/commandline.h"
 #include "tools/soundplayer/audiooutput.h"
 #include "tools/soundplayer/soundrequest.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <string>
 
 namespace {
 
-constexpr int kUsage = 2;
 constexpr int kFailed = 3;
 
 struct Options {
@@ -67,10 +66,7 @@ int main(int argc, char **argv)
     program.add_option(
         "--folder", options.folder, "Where sounds without a folder are (default: " + options.folder + ")");
     program.add_option("--count", options.count, "End after so many messages")->check(CLI::PositiveNumber);
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError &error) {
-        return program.exit(error) == 0 ? 0 : kUsage;
-    }
+    if (const auto status = platform::parse(program, argc, argv))
+        return *status;
     return run(options);
 }
