@@ -6,11 +6,6 @@ target_compile_features(tyx_options INTERFACE cxx_std_20)
 target_compile_definitions(tyx_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS
   QT_USE_QSTRINGBUILDER _FILE_OFFSET_BITS=64)
-# A file dated after January 2038 could not even be looked at with a time of 4 bytes. No public header has a time in it, so
-# applications need not be built like this.
-if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-  target_compile_definitions(tyx_options INTERFACE _TIME_BITS=64)
-endif()
 # The handset's processor rotates an unaligned word instead of loading it: such a cast is an error everywhere.
 target_compile_options(tyx_options INTERFACE
   -Wall -Wextra -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
