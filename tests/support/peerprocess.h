@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <csignal>
 
 class PeerProcess {
 public:
@@ -14,6 +15,10 @@ public:
     explicit PeerProcess(const QString &program, const QStringList &arguments = {})
     {
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.setChildProcessModifier([] { // whoever runs the tests may ignore these, as nohup does
+            for (const int number : {SIGHUP, SIGINT, SIGTERM})
+                std::signal(number, SIG_DFL);
+        });
         m_process.start(QStringLiteral(TYX_BINARY_DIR "/tests/") + program, arguments);
     }
     ~PeerProcess() { kill(); }
