@@ -97,7 +97,7 @@ void TstTyxSettings::namesWhatFails()
              {u"config"_s, u"set"_s, u"/tmp/locked/setup/t.cfg"_s, u"G"_s, u"k"_s, u"v"_s},
              {u"touch"_s, u"calibrate"_s, u"300"_s, u"250"_s, u"3700"_s, u"3800"_s, u"20"_s, u"20"_s, u"219"_s,
                  u"299"_s}}) {
-        const Outcome locked = run(kTyx, line);
+        const Outcome locked = run(QStringLiteral(TYX_BINARY_DIR "/bin/tyx"), line);
         QCOMPARE(locked.status, 3);
         QVERIFY2(locked.err.startsWith("tyx: /tmp/locked/setup/") && locked.err.contains(": could not be saved: ")
                 && locked.err.contains("Read-only file system; mount its disk for writing"),
