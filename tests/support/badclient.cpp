@@ -1,6 +1,6 @@
 // A client of the screen that does what no toolkit would: badclient truncate | flood | role
 //   truncate   shows a window, then cuts the memory behind its picture to nothing
-//   flood      commits pictures as fast as it can, waiting for nobody
+//   flood      commits pictures as fast as the socket takes them
 //   role       asks for two windows on one surface
 // Prints "shown" when the server took its first picture, "error" when the server threw it out, and then ends.
 #include <array>
@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <poll.h>
 #include <string_view>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -60,6 +61,21 @@ int report(const char *what)
     return 0;
 }
 
+// Sends as fast as the socket takes it, and reads what has come: who does not is disconnected, and whose own buffer is
+// full is aborted by the library.
+bool exchange(wl_display *display)
+{
+    while (wl_display_prepare_read(display) != 0)
+        wl_display_dispatch_pending(display);
+    const bool isFull = wl_display_flush(display) < 0 && errno == EAGAIN;
+    pollfd socket{wl_display_get_fd(display), short(isFull ? POLLIN | POLLOUT : POLLIN), 0};
+    if (poll(&socket, 1, isFull ? -1 : 0) > 0 && (socket.revents & POLLIN) != 0)
+        wl_display_read_events(display);
+    else
+        wl_display_cancel_read(display);
+    return wl_display_dispatch_pending(display) >= 0;
+}
+
 }
 
 int main(int argc, char **argv)
@@ -91,6 +107,6 @@ int main(int argc, char **argv)
         commit(surface, buffer);
         if (mode == "flood")
             zqt_shell_surface_v1_reposition(window, rand() % 1000, rand() % 1000);
-    } while (mode == "flood" ? wl_display_flush(display) >= 0 || errno == EAGAIN : wl_display_roundtrip(display) >= 0);
+    } while (mode == "flood" ? exchange(display) : wl_display_roundtrip(display) >= 0);
     return report("error");
 }
