@@ -116,7 +116,7 @@ void Recorder::take(const QJsonObject &sent)
             return;
         m_nudges.stop();
         m_clock.start();
-        std::fputs("tyx: recording; Ctrl+C ends it\n", stderr);
+        std::fputs(::isatty(STDERR_FILENO) ? "tyx: recording; Ctrl+C ends it\n" : "tyx: recording\n", stderr);
         return;
     }
     if (channel == kCapture)
