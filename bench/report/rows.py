@@ -28,12 +28,12 @@ def columns(title, source, row, first, names, floor=None):
     def at(who):
         before = "".join(cell.format(r"[\d.]+") for _ in everyone[:everyone.index(who)])
         return rf"^{row}{before} +{NUMBER} us"
-    return Row(title, source, "us", at(first), {who: at(who) for who in names if who not in (floor, "scan")},
+    return Row(title, source, "us", at(first), {who: at(who) for who in names if who not in ("floor", "scan")},
                at(floor) if floor else None)
 
 
-def config(title, row):
-    return columns(title, "config", row, "ZConfig", ["floor", "GKeyFile", "QSettings", "KConfig"], "floor")
+def config(title, row, floor="floor"):
+    return columns(title, "config", row, "ZConfig", ["floor", "GKeyFile", "QSettings", "KConfig"], floor)
 
 
 def res(title, row, floor="floor"):
@@ -55,7 +55,7 @@ ROWS = [
     bus("message there and back, 64 bytes", "Round trip of 64 bytes"),
     bus("message to eight receivers, 64 bytes", "One to 8, 64 bytes"),
     config("configuration file of 1000 keys: open it, ask once", "oneQuestion/1000"),
-    config("the same, ask for every key", "everyEntry/1000"),
+    config("the same, ask for every key", "everyEntry/1000", None),
     config("the same, save", "save/1000"),
     Row("status table, a field", "status", "us", rf"^getter +{NUMBER}", {}, rf"^system calls of a getter +{NUMBER}"),
     res("resource file of 100: open it, find a name", "openAndFind words 100"),
