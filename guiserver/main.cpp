@@ -3,20 +3,25 @@
 #include "guiserver/calibrationrescue.h"
 #include "guiserver/farewell.h"
 #include "guiserver/keyfiles.h"
-#include "guiserver/phoneclaim.h"
 #include "guiserver/screenservice.h"
 #include "guiserver/statusbar.h"
 #include "guiserver/terminationsignals.h"
 #include "platform/system/commandline.h"
+#include "platform/system/lockedfile.h"
 #include "platform/window/qwsserver.h"
 #include "settings/files/setup_utility.h"
 #include "settings/status/statustable.h"
 #include "textinput/server/zimserver.h"
 
 #include <QWidget>
+#include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <optional>
 #include <string>
+
+using platform::LockedFile;
+using platform::Result;
 
 namespace {
 
@@ -35,8 +40,15 @@ std::optional<int> checkArguments(int argc, char **argv)
     return platform::parse(program, argc, argv);
 }
 
+// One phone on a machine: its tables and the files that name them are the machine's, whatever runtime folder a server
+// uses. The lock is given back by a server that was killed too; its children do not inherit the descriptor.
+Result<LockedFile> claimPhone()
+{
+    return LockedFile::open(status::kKeyFile, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+}
+
 // True beside another server, whose tables and settings must not be touched. Without the file there is no telling.
-bool isRefused(const platform::Result<PhoneClaim> &claim)
+bool isRefused(const Result<LockedFile> &claim)
 {
     if (claim)
         return false;
@@ -65,7 +77,7 @@ int main(int argc, char **argv)
     if (const auto status = checkArguments(argc, argv))
         return *status;
     makeKeyFiles();
-    const auto claim = PhoneClaim::take();
+    const auto claim = claimPhone();
     if (isRefused(claim))
         return 1;
     SETUP_Utility::setupInitialize(); // what failed has told so, and the phone runs without it

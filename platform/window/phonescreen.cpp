@@ -13,7 +13,7 @@
 
 using platform::failed;
 using platform::Fd;
-using platform::FileLock;
+using platform::LockedFile;
 using platform::Result;
 
 namespace phonescreen {
@@ -62,18 +62,10 @@ bool waitForServer(std::chrono::milliseconds limit)
     return true;
 }
 
-Claim::Claim(Fd file, FileLock lock) : m_file(std::move(file)), m_lock(std::move(lock)) { }
-
-Result<Claim> Claim::take()
+Result<LockedFile> claim()
 {
     const QByteArray path = QFile::encodeName(socketPath() + QStringLiteral(".server"));
-    auto file = Fd::open(path.constData(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
-    if (!file)
-        return tl::make_unexpected(file.error());
-    auto lock = FileLock::exclusive(file->get(), FileLock::Wait::No);
-    if (!lock)
-        return tl::make_unexpected(lock.error());
-    return Claim(std::move(*file), std::move(*lock));
+    return LockedFile::open(path.constData(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
 }
 
 }

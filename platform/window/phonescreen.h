@@ -1,9 +1,7 @@
 // The socket of the phone's screen: where it is, whether a server answers there, and who may serve it.
 #pragma once
 
-#include "platform/system/fd.h"
-#include "platform/system/filelock.h"
-#include "platform/system/result.h"
+#include "platform/system/lockedfile.h"
 
 #include <QString>
 #include <chrono>
@@ -21,17 +19,7 @@ QString socketPath(); // once the directory is prepared
 // Waits until a server accepts connections; false when none did in time.
 bool waitForServer(std::chrono::milliseconds limit);
 
-// Held by the one server of this runtime directory.
-class Claim {
-public:
-    // The error EWOULDBLOCK of "flock" says that another server has it.
-    static platform::Result<Claim> take();
-
-private:
-    Claim(platform::Fd file, platform::FileLock lock);
-
-    platform::Fd m_file;
-    platform::FileLock m_lock; // goes before the descriptor that it sits on
-};
+// Held by the one server of this runtime directory. The error EWOULDBLOCK of "flock" says that another server has it.
+platform::Result<platform::LockedFile> claim();
 
 }

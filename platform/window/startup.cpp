@@ -29,7 +29,7 @@ constexpr auto kServerWait = 2s; // a phone starts its applications right behind
 // Kept outside the application object: it comes before its base class and goes after it.
 struct Server {
     ServerOptions options;
-    phonescreen::Claim claim;
+    platform::LockedFile claim;
     std::unique_ptr<QTemporaryFile> screenDescription;
 };
 std::optional<Server> theServer;
@@ -74,9 +74,9 @@ void prepareClient(int argc, char **argv)
     useScreenOfPhone();
 }
 
-phonescreen::Claim claimScreen()
+platform::LockedFile claimScreen()
 {
-    auto claim = phonescreen::Claim::take();
+    auto claim = phonescreen::claim();
     if (claim)
         return std::move(*claim);
     if (claim.error().number == EWOULDBLOCK)
